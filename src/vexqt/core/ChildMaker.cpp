@@ -1,0 +1,96 @@
+#include "vexqt/core/ChildMaker.h"
+
+#include "vexqt/platform/log.h"
+
+namespace vexqt {
+
+static constexpr std::size_t kHeaderLength = 8;
+
+ChildMaker::Header ChildMaker::peek() const {
+    ByteReader in = in_;
+    Header header;
+    header.size = in.u32();
+    header.type = in.u32();
+    header.isExtended = header.size == 1;
+    if (!header.isExtended) return header;
+    // Cut short: whoever makes the child meets the end of the bytes again and deals with it.
+    const bool isCut = in.remaining() < sizeof(std::uint64_t);
+    header.size = isCut && in_.context().isTolerant() ? in_.remaining() : in.u64();
+    return header;
+}
+
+SharedBytes ChildMaker::take(std::uint64_t size, std::uint64_t offsetInFile) {
+    ReadContext& context = in_.context();
+    if (!context.isTolerant()) {
+        if (size == 0) throw RangeError("a size of 0 does not move forward", in_.position());
+        return in_.takeShared(size);
+    }
+    if (size > in_.remaining()) {
+        context.addProblem(offsetInFile, "declares " + std::to_string(size) + " bytes, " +
+                                             std::to_string(in_.remaining()) +
+                                             " there - kept to the end of what holds it");
+        return in_.restShared();
+    }
+    if (size < kHeaderLength) {
+        // Nothing tells where the next child begins.
+        context.addProblem(offsetInFile, "a size of " + std::to_string(size) +
+                                             " is shorter than a header - kept as raw data to "
+                                             "the end of what holds it");
+        return in_.restShared();
+    }
+    return in_.takeShared(size);
+}
+
+std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
+                                            const SharedBytes& bytes, std::uint64_t offsetInFile,
+                                            const Particulars& particulars) {
+    ReadContext& context = in_.context();
+    if (!context.isTolerant()) {
+        auto child = VexQTAtom::make(cls, bytes, particulars.parent, offsetInFile, context);
+        if (child) return child;
+        if (!particulars.lineWhenNone.empty()) log(particulars.lineWhenNone);
+        throw InsertionError(std::string(cls.className) + " declines " +
+                             std::to_string(bytes.size()) + " bytes");
+    }
+    std::string reason;
+    try {
+        auto child = VexQTAtom::make(cls, bytes, particulars.parent, offsetInFile, context);
+        if (child) return child;
+        reason = std::to_string(bytes.size()) + " bytes";
+    } catch (const Error& error) {
+        reason = error.message();
+    }
+    context.addProblem(offsetInFile, "Atom '" + textFromCode(type) + "' declined by " +
+                                         std::string(cls.className) + " (" + reason +
+                                         ") - kept as raw data");
+    return VexQTAtom::makeDeclined(cls, std::move(reason), type, bytes, particulars.parent,
+                                   offsetInFile);
+}
+
+VexQTAtom* ChildMaker::add(const AtomClass* cls, OSType type, std::uint64_t size,
+                           const Particulars& particulars) {
+    const std::uint64_t offsetInFile = holder_.offsetInFile() + in_.position();
+    const ReadContext::Step step(in_.context(), type, holder_.children());
+    try {
+        const bool isWhole = size >= kHeaderLength || !in_.context().isTolerant();
+        const SharedBytes bytes = take(size, offsetInFile);
+        if (cls == nullptr) return nullptr;
+        holder_.addChild(isWhole ? made(*cls, type, bytes, offsetInFile, particulars)
+                                 : VexQTAtom::makeDeclined(*cls, "no whole header", type, bytes,
+                                                           particulars.parent, offsetInFile));
+    } catch (Error& error) {
+        error.enter(step.segment(), offsetInFile);
+        throw;
+    }
+    return holder_.children().back().get();
+}
+
+VexQTAtom* ChildMaker::addRest(const AtomClass& cls) {
+    if (!cls.accepts.accepts(in_.remaining())) {
+        in_.restShared();
+        return nullptr;
+    }
+    return add(&cls, cls.type, in_.remaining());
+}
+
+}  // namespace vexqt

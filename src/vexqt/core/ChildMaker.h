@@ -1,0 +1,52 @@
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// Makes the children of one atom while it is read: the one place where children are made, and so
+/// the one place where reading is strict or tolerant.
+///
+/// Strictly, a child that reaches past the end, declines its bytes or raises ends the reading. A
+/// tolerant reading keeps what is there of it, as a generic atom with its raw bytes where its class
+/// does not take them, and lists the problem.
+class ChildMaker {
+public:
+    ChildMaker(VexQTAtom& holder, AtomReader& in) : holder_(holder), in_(in) {}
+
+    struct Header {
+        OSType type = 0;
+        std::uint64_t size = 0;  ///< As it stands in the size field or the extended one.
+        bool isExtended = false;
+    };
+    /// The header at the reader's position, which does not move.
+    Header peek() const;
+
+    /// How a holder's children differ from those of a plain container.
+    struct Particulars {
+        VexQTAtom* parent = nullptr;      ///< Told to the child; most often the holder.
+        std::string_view lineWhenNone{};  ///< Logged before a declined child raises.
+    };
+
+    /// Takes the next bytes, makes a child of them and adds it to the holder. Without a class they
+    /// are taken and dropped. Gives the child, null for none.
+    /// \throws InsertionError when the class declines the bytes, and what decoding them raises.
+    VexQTAtom* add(const AtomClass* cls, OSType type, std::uint64_t size,
+                   const Particulars& particulars);
+    VexQTAtom* add(const AtomClass* cls, OSType type, std::uint64_t size) {
+        return add(cls, type, size, {.parent = &holder_});
+    }
+    /// Makes a child of all the bytes that are left. Null where its class declines them: then it is
+    /// left out, whatever the reading.
+    VexQTAtom* addRest(const AtomClass& cls);
+
+private:
+    SharedBytes take(std::uint64_t size, std::uint64_t offsetInFile);
+    std::unique_ptr<VexQTAtom> made(const AtomClass& cls, OSType type, const SharedBytes& bytes,
+                                    std::uint64_t offsetInFile, const Particulars& particulars);
+
+    VexQTAtom& holder_;
+    AtomReader& in_;
+};
+
+}  // namespace vexqt

@@ -1,0 +1,35 @@
+#include "vexqt/core/ContainerAtom.h"
+
+#include "vexqt/core/ChildMaker.h"
+
+namespace vexqt {
+
+/// The class that a table gives to a child: the generic one when no line covers it, null when it is
+/// to be dropped.
+static const AtomClass* classOf(std::span<const ChildRule> table, OSType type, std::uint64_t size) {
+    for (const ChildRule& rule : table) {
+        const OSType covered = rule.type != 0 ? rule.type : rule.cls->type;
+        if (type == covered && size >= rule.minimumSize) return rule.cls;
+    }
+    return &VexQTAtom::kClass;
+}
+
+void ContainerAtom::decodeChildren(AtomReader& in) {
+    const AtomClass& cls = atomClass();
+    const std::size_t end = in.length() + (cls.bareLastChild == BareLastChild::IsRead ? 1 : 0);
+    ChildMaker maker(*this, in);
+    while (in.position() + 8 < end) {
+        const auto header = maker.peek();
+        std::uint64_t size = header.size;
+        if (size == 0 && (!header.isExtended || cls.zeroExtendedSizeReachesEnd))
+            size = in.length() - 8;
+        if (maker.add(classOf(cls.children, header.type, size), header.type, size))
+            didDecodeChild(*children().back());
+    }
+}
+
+void appendChildren(const Record& atom, ByteWriter& out) {
+    for (const auto& child : static_cast<const VexQTAtom&>(atom).children()) child->appendTo(out);
+}
+
+}  // namespace vexqt

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// An atom that holds nothing but other atoms. Its class's child table says which.
+class ContainerAtom : public VexQTAtom {
+public:
+    /// Reads every child from the reader's position on. A type that the table does not name becomes
+    /// a generic atom; a size of 0 counts from the container's start, not from the child's.
+    void decodeChildren(AtomReader& in);
+
+protected:
+    using VexQTAtom::VexQTAtom;
+
+    /// Called with every child as soon as it has been added, before the next one is read.
+    virtual void didDecodeChild(const VexQTAtom&) {}
+};
+
+/// The children of an atom, one after another, as they are written whatever way they were read.
+void appendChildren(const Record& atom, ByteWriter& out);
+
+/// The row of a container's children.
+inline constexpr Field childAtoms = {
+    .holdsChildren = true,
+    .decode = [](Record& record,
+                 AtomReader& in) { static_cast<ContainerAtom&>(record).decodeChildren(in); },
+    .encode = appendChildren};
+
+/// All the rows of a plain container.
+inline constexpr Field kOnlyChildAtoms[] = {childAtoms};
+
+}  // namespace vexqt

@@ -1,0 +1,71 @@
+// What one reading of a movie carries down the tree: how tolerant it is, what it met, where it is.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "vexqt/core/os_type.h"
+
+namespace vexqt {
+
+class VexQTAtom;
+
+/// Something that a tolerant reading met and went on from.
+struct Problem {
+    std::string path;  ///< The atom, from the roots: "moov.trak[1].mdia.mdhd".
+    std::uint64_t offsetInFile = 0;
+    std::string message;
+
+    friend bool operator==(const Problem&, const Problem&) = default;
+};
+
+/// Atoms nested deeper are a NestingError: no real movie comes near.
+inline constexpr std::size_t kDeepestNesting = 256;
+
+class ReadContext {
+public:
+    using Siblings = std::vector<std::unique_ptr<VexQTAtom>>;
+
+    /// Strict: the first thing that is wrong raises.
+    ReadContext() = default;
+    /// Tolerant: what is wrong is added to problems, and reading goes on.
+    explicit ReadContext(std::vector<Problem>& problems) : problems_(&problems) {}
+    ReadContext(const ReadContext&) = delete;
+    ReadContext& operator=(const ReadContext&) = delete;
+
+    bool isTolerant() const { return problems_ != nullptr; }
+    /// Adds a problem of the atom that is being read; only when tolerant. A file that is nothing but
+    /// problems does not fill the memory with them: the list ends after a thousand and says so.
+    void addProblem(std::uint64_t offsetInFile, std::string message);
+
+    /// How many atoms deep the one being read lies, itself counted.
+    std::size_t depth() const { return outerDepth_ + steps_.size(); }
+    /// For an atom that is read below atoms which this reading did not make.
+    void setOuterDepth(std::size_t depth) { outerDepth_ = depth; }
+
+    /// One atom on the way from the roots to what is being read; lives as long as it is read.
+    class Step {
+    public:
+        Step(ReadContext& context, OSType type, const Siblings& before);
+        ~Step() { context_.steps_.pop_back(); }
+        Step(const Step&) = delete;
+        Step& operator=(const Step&) = delete;
+
+        /// "trak", or "trak[2]" for the third of its type among its siblings.
+        std::string segment() const;
+
+    private:
+        ReadContext& context_;
+        OSType type_;
+        const Siblings& before_;
+    };
+
+private:
+    std::vector<Problem>* problems_ = nullptr;
+    std::size_t outerDepth_ = 0;
+    std::vector<const Step*> steps_;
+};
+
+}  // namespace vexqt

@@ -1,0 +1,93 @@
+// A property's value on its way to or from a view, a script or JSON.
+#pragma once
+
+#include <array>
+#include <chrono>
+#include <concepts>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+
+#include "vexqt/platform/Color.h"
+#include "vexqt/platform/bytes_types.h"
+#include "vexqt/platform/dates.h"
+
+namespace vexqt {
+
+class VexQTAtom;
+
+/// A transformation matrix in file order: a, b, u, c, d, v, x, y, w.
+using Matrix = std::array<double, 9>;
+
+/// A tagged number: a signed or unsigned integer of 64 bits, or a single-precision float.
+class Number {
+public:
+    Number() = default;
+    template <std::integral T>
+    explicit Number(T value)
+        : held_(static_cast<std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>>(
+              value)) {}
+    explicit Number(float value) : held_(value) {}
+
+    bool isFloat() const { return std::holds_alternative<float>(held_); }
+    /// The low bits of an integer; a float truncated toward zero, its low bits kept.
+    std::int32_t int32Value() const { return static_cast<std::int32_t>(uint64Value()); }
+    std::uint32_t uint32Value() const { return static_cast<std::uint32_t>(uint64Value()); }
+    std::int64_t int64Value() const { return static_cast<std::int64_t>(uint64Value()); }
+    std::uint64_t uint64Value() const;
+    float floatValue() const;
+
+    const std::variant<std::int64_t, std::uint64_t, float>& held() const { return held_; }
+    friend bool operator==(const Number&, const Number&) = default;
+
+private:
+    std::variant<std::int64_t, std::uint64_t, float> held_;
+};
+
+using ValueVariant =
+    std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Bytes,
+                 Date, Color, Number, Matrix, VexQTAtom*>;
+
+/// Any property's value; std::monostate where it is absent.
+///
+/// An unsigned property gives std::uint64_t, a signed one std::int64_t, a floating one double,
+/// whatever its width. Integers compare by what they count, not by their type.
+class Value : public ValueVariant {
+public:
+    Value() = default;
+    Value(bool flag) : ValueVariant(flag) {}
+    template <std::unsigned_integral T>
+        requires(!std::same_as<T, bool>)
+    Value(T number) : ValueVariant(std::uint64_t{number}) {}
+    template <std::signed_integral T>
+    Value(T number) : ValueVariant(std::int64_t{number}) {}
+    template <std::floating_point T>
+    Value(T number) : ValueVariant(static_cast<double>(number)) {}
+    Value(std::string text) : ValueVariant(std::move(text)) {}
+    Value(std::string_view text) : ValueVariant(std::string(text)) {}
+    Value(const char* text) : ValueVariant(std::string(text)) {}
+    Value(Bytes bytes) : ValueVariant(std::move(bytes)) {}
+    Value(Date date) : ValueVariant(date) {}
+    Value(Color color) : ValueVariant(color) {}
+    Value(Number number) : ValueVariant(number) {}
+    Value(const Matrix& matrix) : ValueVariant(matrix) {}
+    Value(VexQTAtom* atom) : ValueVariant(atom) {}
+    template <class T>
+    Value(std::optional<T> value) {
+        if (value) *this = Value(*std::move(value));
+    }
+
+    bool isAbsent() const { return std::holds_alternative<std::monostate>(*this); }
+};
+
+bool operator==(const Value& left, const Value& right);
+
+/// The value as an integer of 64 bits, two's complement; absent where it is no number. A fraction
+/// is cut off.
+std::optional<std::uint64_t> integerFrom(const Value& value);
+/// The value as a double; absent where it is no number.
+std::optional<double> doubleFrom(const Value& value);
+
+}  // namespace vexqt

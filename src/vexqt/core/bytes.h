@@ -1,0 +1,153 @@
+// Big-endian reading and writing of one atom's bytes.
+//
+// Every byte of a movie is read and written here and nowhere else. Every read is checked: one that
+// would leave the view throws RangeError and does not move, so the error names the offset of the
+// value that could not be read.
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <concepts>
+#include <cstring>
+#include <memory>
+#include <utility>
+
+#include "vexqt/platform/bytes_types.h"
+#include "vexqt/platform/error.h"
+
+namespace vexqt {
+
+template <std::integral T>
+constexpr T fromBigEndian(T value) {
+    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1) return value;
+    using Unsigned = std::make_unsigned_t<T>;
+    auto bits = static_cast<Unsigned>(value);
+    Unsigned swapped = 0;
+    for (std::size_t i = 0; i < sizeof(T); ++i) {
+        swapped = static_cast<Unsigned>(swapped << 8 | (bits & 0xFF));
+        bits = static_cast<Unsigned>(bits >> 8);
+    }
+    return static_cast<T>(swapped);
+}
+
+/// Part of a block of bytes that all its parts keep alive together.
+///
+/// A movie atom is read into one block. Its atoms hold parts of it, never copies.
+class SharedBytes {
+public:
+    SharedBytes() = default;
+
+    /// A block of its own with the same bytes.
+    static SharedBytes copyOf(ByteView bytes) {
+        SharedBytes block(bytes.size());
+        std::ranges::copy(bytes, block.fill().begin());
+        return block;
+    }
+    /// A block of that length, its bytes not set. Whoever makes it fills it before sharing it.
+    explicit SharedBytes(std::size_t length)
+        : first_(std::make_shared_for_overwrite<std::uint8_t[]>(length)), length_(length) {}
+
+    std::span<std::uint8_t> fill() { return {first_.get(), length_}; }
+    ByteView view() const { return {first_.get(), length_}; }
+    std::size_t size() const { return length_; }
+
+    /// The part that begins at an offset inside this one. The caller has checked both.
+    SharedBytes part(std::size_t offset, std::size_t length) const {
+        SharedBytes part;
+        part.first_ = {first_, std::span(first_.get(), length_).subspan(offset, length).data()};
+        part.length_ = length;
+        return part;
+    }
+    SharedBytes first(std::size_t length) const { return part(0, length); }
+
+private:
+    std::shared_ptr<std::uint8_t[]> first_;
+    std::size_t length_ = 0;
+};
+
+class ByteReader {
+public:
+    explicit ByteReader(ByteView bytes, std::size_t position = 0)
+        : bytes_(bytes), position_(position) {}
+
+    std::size_t position() const { return position_; }
+    std::size_t length() const { return bytes_.size(); }
+    /// 0 also where the position lies behind the end.
+    std::size_t remaining() const {
+        return position_ < bytes_.size() ? bytes_.size() - position_ : 0;
+    }
+
+    std::uint8_t u8() { return big<std::uint8_t>(); }
+    std::uint16_t u16() { return big<std::uint16_t>(); }
+    std::uint32_t u32() { return big<std::uint32_t>(); }
+    std::uint64_t u64() { return big<std::uint64_t>(); }
+
+    ByteView take(std::uint64_t count) {
+        check(count);
+        const ByteView taken = bytes_.subspan(position_, static_cast<std::size_t>(count));
+        position_ += taken.size();
+        return taken;
+    }
+    /// Everything up to the end; nothing where the position lies behind it.
+    ByteView rest() { return remaining() == 0 ? ByteView() : take(remaining()); }
+    void skip(std::uint64_t count) { take(count); }
+    /// Moves to any offset. One behind the end makes the next read a RangeError.
+    void seek(std::size_t position) { position_ = position; }
+
+protected:
+    void check(std::uint64_t count) const {
+        if (count > remaining() || position_ > bytes_.size())
+            throw RangeError(position_, count, length());
+    }
+
+private:
+    template <std::unsigned_integral T>
+    T big() {
+        T value = 0;
+        std::memcpy(&value, take(sizeof(T)).data(), sizeof(T));
+        return fromBigEndian(value);
+    }
+
+    ByteView bytes_;
+    std::size_t position_;
+};
+
+class ByteWriter {
+public:
+    void u8(std::uint8_t value) { bytes_.push_back(value); }
+    void u16(std::uint16_t value) { big(value); }
+    void u32(std::uint32_t value) { big(value); }
+    void u64(std::uint64_t value) { big(value); }
+    void zeros(std::size_t count) { bytes_.insert(bytes_.end(), count, 0); }
+    void append(ByteView bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
+
+    /// Overwrites four bytes that have been written already.
+    void patchU32(std::size_t position, std::uint32_t value) {
+        const std::uint32_t big = fromBigEndian(value);
+        std::memcpy(std::span(bytes_).subspan(position, sizeof(big)).data(), &big, sizeof(big));
+    }
+    /// Puts bytes in front of what was written from a position on.
+    void insert(std::size_t position, ByteView bytes) {
+        bytes_.insert(bytes_.begin() + static_cast<std::ptrdiff_t>(position), bytes.begin(),
+                      bytes.end());
+    }
+    void reserve(std::size_t length) { bytes_.reserve(length); }
+
+    std::size_t length() const { return bytes_.size(); }
+    ByteView view() const { return bytes_; }
+    Bytes release() { return std::move(bytes_); }
+
+private:
+    template <std::unsigned_integral T>
+    void big(T value) {
+        std::array<std::uint8_t, sizeof(T)> bytes;
+        value = fromBigEndian(value);
+        std::memcpy(bytes.data(), &value, sizeof(T));
+        append(bytes);
+    }
+
+    Bytes bytes_;
+};
+
+}  // namespace vexqt

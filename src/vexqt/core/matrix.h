@@ -1,0 +1,22 @@
+// The row of an atom's matrix, which the base keeps for every class.
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+#include "vexqt/core/codecs.h"
+
+namespace vexqt {
+
+template <class Codec>
+constexpr Field matrixRow() {
+    Field row = accessors<&VexQTAtom::matrix, &VexQTAtom::setMatrix>("matrix");
+    row.width = Codec::width;
+    row.decode = [](Record& record, AtomReader& in) {
+        static_cast<VexQTAtom&>(record).setMatrix(Codec::read(in));
+    };
+    row.encode = [](const Record& record, ByteWriter& out) {
+        Codec::write(out, static_cast<const VexQTAtom&>(record).matrix());
+    };
+    return row;
+}
+
+}  // namespace vexqt
