@@ -20,14 +20,14 @@ constexpr LengthRule atLeast(std::size_t length) { return {.least = length}; }
 
 /// How a class takes its size and type from the first bytes it is given.
 enum class HeaderRule {
-    ByteCount,            ///< The size is the number of bytes given; fields begin behind 8 of them.
-    None,                 ///< As ByteCount, but the fields begin at the first byte.
-    Read,                 ///< Both are read, in either size form; a size of 0 leaves out the header.
-    ReadZeroMeansShort,   ///< As Read, but a size of 0 makes the header 8 bytes whatever was read.
+    ByteCount,           ///< The size is the number of bytes given; fields begin behind 8 of them.
+    None,                ///< As ByteCount, but the fields begin at the first byte.
+    Read,                ///< Both are read, in either size form; a size of 0 leaves out the header.
+    ReadZeroMeansShort,  ///< As Read, but a size of 0 makes the header 8 bytes whatever was read.
     ReadZeroLeavesEight,  ///< As Read, but a size of 0 leaves out 8 bytes whatever was read.
     ReadExtendedPlusOne,  ///< As ReadZeroLeavesEight, but 1 is added to an extended size.
-    ReadSizeField,        ///< The size field as it stands, 0 and 1 too; 1 makes the header 16 bytes.
-    Generic               ///< As ReadZeroMeansShort, but an extended size loses 16.
+    ReadSizeField,  ///< The size field as it stands, 0 and 1 too; 1 makes the header 16 bytes.
+    Generic         ///< As ReadZeroMeansShort, but an extended size loses 16.
 };
 
 /// What a class writes in front of its fields.

@@ -36,8 +36,8 @@ public:
     ReadContext& operator=(const ReadContext&) = delete;
 
     bool isTolerant() const { return problems_ != nullptr; }
-    /// Adds a problem of the atom that is being read; only when tolerant. A file that is nothing but
-    /// problems does not fill the memory with them: the list ends after a thousand and says so.
+    /// Adds a problem of the atom that is being read; only when tolerant. A file that is nothing
+    /// but problems does not fill the memory with them: the list ends after a thousand and says so.
     void addProblem(std::uint64_t offsetInFile, std::string message);
 
     /// How many atoms deep the one being read lies, itself counted.

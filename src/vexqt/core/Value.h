@@ -46,9 +46,8 @@ private:
     std::variant<std::int64_t, std::uint64_t, float> held_;
 };
 
-using ValueVariant =
-    std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Bytes,
-                 Date, Color, Number, Matrix, VexQTAtom*>;
+using ValueVariant = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double,
+                                  std::string, Bytes, Date, Color, Number, Matrix, VexQTAtom*>;
 
 /// Any property's value; std::monostate where it is absent.
 ///
@@ -59,8 +58,7 @@ public:
     Value() = default;
     Value(bool flag) : ValueVariant(flag) {}
     template <std::unsigned_integral T>
-        requires(!std::same_as<T, bool>)
-    Value(T number) : ValueVariant(std::uint64_t{number}) {}
+    requires(!std::same_as<T, bool>) Value(T number) : ValueVariant(std::uint64_t{number}) {}
     template <std::signed_integral T>
     Value(T number) : ValueVariant(std::int64_t{number}) {}
     template <std::floating_point T>

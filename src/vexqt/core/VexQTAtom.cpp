@@ -241,9 +241,8 @@ void VexQTAtom::appendTo(ByteWriter& out) {
         out.u32(class_.typeRule == TypeRule::AsHeld ? type_ : class_.type);
     }
     appendRows(out);
-    const std::uint64_t size = class_.sizeRule == SizeRule::NotRecomputed
-                                   ? size_
-                                   : declaredSize(out.length() - start);
+    const std::uint64_t size =
+        class_.sizeRule == SizeRule::NotRecomputed ? size_ : declaredSize(out.length() - start);
     if (class_.sizeRule == SizeRule::Recomputed) size_ = size;
     if (class_.writtenHeader != WrittenHeader::None)
         out.patchU32(start, static_cast<std::uint32_t>(size));
@@ -360,8 +359,8 @@ Extent VexQTAtom::extent() const {
     if (extras_ && extras_->extent) return *extras_->extent;
     if (origin_.size() == 0) return {};
     const ByteView bytes = origin_.view();
-    const bool isExtended = bytes.size() >= 16 && class_.header != HeaderRule::None &&
-                            ByteReader(bytes).u32() == 1;
+    const bool isExtended =
+        bytes.size() >= 16 && class_.header != HeaderRule::None && ByteReader(bytes).u32() == 1;
     return {offsetInFile_, isExtended ? std::size_t{16} : std::size_t{8}, bytes.size()};
 }
 

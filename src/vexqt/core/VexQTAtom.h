@@ -186,6 +186,7 @@ protected:
     virtual std::uint64_t declaredSize(std::uint64_t byteCount) const { return byteCount; }
 
     void setAtomSize(std::uint64_t size) { size_ = size; }
+    void setOffsetInFile(std::uint64_t offset) { offsetInFile_ = offset; }
     /// Keeps what follows an offset in the bytes read as the raw remainder.
     void keepUnknownDataFrom(std::size_t offset) { unknownFrom_ = offset; }
     void dropUnknownData() { unknownFrom_ = kAbsent; }
@@ -214,7 +215,7 @@ private:
     std::uint64_t offsetInFile_ = 0;
     SharedBytes origin_;
     std::size_t unknownFrom_ = kAbsent;  ///< Where the raw remainder begins in the origin.
-    std::unique_ptr<Extras> extras_;  ///< What few atoms have.
+    std::unique_ptr<Extras> extras_;     ///< What few atoms have.
     OSType type_;
     std::uint8_t version_ = 1;
     std::array<std::uint8_t, 3> flags_{};

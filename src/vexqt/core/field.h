@@ -27,8 +27,8 @@ enum class ValueKind : std::uint8_t {
     Signed,
     Floating,
     Text,
-    Instant,  ///< A date and time of day.
-    Data,     ///< Bytes.
+    Instant,         ///< A date and time of day.
+    Data,            ///< Bytes.
     Transformation,  ///< A matrix.
     Color,
     Number,
@@ -62,21 +62,21 @@ struct ListAccess {
 };
 
 struct Field {
-    std::string_view name = {};         ///< The property's name; empty for bytes that are none.
-    std::size_t width = 0;              ///< Bytes in the file; 0 where the length varies.
+    std::string_view name = {};  ///< The property's name; empty for bytes that are none.
+    std::size_t width = 0;       ///< Bytes in the file; 0 where the length varies.
     ValueKind kind = ValueKind::None;
-    std::uint8_t bits = 0;              ///< Of an integer or a floating number.
+    std::uint8_t bits = 0;  ///< Of an integer or a floating number.
     Display display = Display::Plain;
-    std::string_view unit = {};         ///< "seconds", "pixels"; empty where there is none.
-    bool isOptional = false;            ///< Whether it can be absent.
-    bool holdsChildren = false;         ///< Whether these bytes are the atom's children.
+    std::string_view unit = {};  ///< "seconds", "pixels"; empty where there is none.
+    bool isOptional = false;     ///< Whether it can be absent.
+    bool holdsChildren = false;  ///< Whether these bytes are the atom's children.
 
     void (*decode)(Record&, AtomReader&) = nullptr;  ///< Null for what is not in the file.
     void (*encode)(const Record&, ByteWriter&) = nullptr;
-    Value (*get)(const Record&) = nullptr;           ///< Null for what has no single value.
-    void (*set)(Record&, const Value&) = nullptr;    ///< Null for what cannot be set.
-    const ListAccess* list = nullptr;                ///< Null for all but lists.
-    bool (*present)(const Record&) = nullptr;        ///< Null for what is always in the file.
+    Value (*get)(const Record&) = nullptr;         ///< Null for what has no single value.
+    void (*set)(Record&, const Value&) = nullptr;  ///< Null for what cannot be set.
+    const ListAccess* list = nullptr;              ///< Null for all but lists.
+    bool (*present)(const Record&) = nullptr;      ///< Null for what is always in the file.
 
     constexpr Field in(std::string_view theUnit) const {
         Field row = *this;
@@ -171,9 +171,7 @@ constexpr Field property(std::string_view name) {
     using Owner = decltype(ownerOf(Member));
     using Type = decltype(typeOf(Member));
     Field row = described<Type>(name);
-    row.get = [](const Record& record) {
-        return Value(static_cast<const Owner&>(record).*Member);
-    };
+    row.get = [](const Record& record) { return Value(static_cast<const Owner&>(record).*Member); };
     row.set = [](Record& record, const Value& value) {
         static_cast<Owner&>(record).*Member = fromValue<Type>(value);
     };

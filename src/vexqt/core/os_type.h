@@ -19,8 +19,8 @@ consteval OSType operator""_os(const char* text, std::size_t length) {
 }
 }  // namespace literals
 
-/// An unknown or unset code. A class that has it for its type has no type of its own: its atoms keep
-/// the type they are read with.
+/// An unknown or unset code. A class that has it for its type has no type of its own: its atoms
+/// keep the type they are read with.
 inline constexpr OSType kAnyType = "????"_os;
 
 /// Four characters, one a byte: a byte above 0x7F is the character U+0080 to U+00FF.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vexqt/core/ContainerAtom.h"
+
+namespace vexqt {
+
+/// The data information: where a track's media data lives.
+class VexQTdinfAtom final : public AtomOf<VexQTdinfAtom, ContainerAtom> {
+public:
+    static const AtomClass kClass;
+};
+
+}  // namespace vexqt

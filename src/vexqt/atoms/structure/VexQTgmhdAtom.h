@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vexqt/core/ContainerAtom.h"
+
+namespace vexqt {
+
+/// The media information header of a media that is neither video nor sound.
+class VexQTgmhdAtom final : public AtomOf<VexQTgmhdAtom, ContainerAtom> {
+public:
+    static const AtomClass kClass;
+};
+
+}  // namespace vexqt

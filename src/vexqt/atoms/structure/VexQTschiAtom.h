@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vexqt/core/ContainerAtom.h"
+
+namespace vexqt {
+
+/// The scheme information of a protection: atoms that the scheme alone knows.
+class VexQTschiAtom final : public AtomOf<VexQTschiAtom, ContainerAtom> {
+public:
+    static const AtomClass kClass;
+};
+
+}  // namespace vexqt

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vexqt/core/ContainerAtom.h"
+
+namespace vexqt {
+
+/// The protection information of a sample description.
+class VexQTsinfAtom final : public AtomOf<VexQTsinfAtom, ContainerAtom> {
+public:
+    static const AtomClass kClass;
+};
+
+}  // namespace vexqt

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vexqt/core/ContainerAtom.h"
+
+namespace vexqt {
+
+/// The dimensions of a track in each aperture mode.
+class VexQTtaptAtom final : public AtomOf<VexQTtaptAtom, ContainerAtom> {
+public:
+    static const AtomClass kClass;
+};
+
+}  // namespace vexqt
