@@ -7,7 +7,10 @@
 
 namespace vexqt {
 
+class File;
+class MovieSource;
 class VexQTAtomViewController;
+enum class ReaderKind;
 
 /// How a movie is read.
 struct ReadOptions {
@@ -39,9 +42,13 @@ public:
                                                    ReadOptions options = {});
     /// Reads a movie that is in memory. The bytes are needed only during the call.
     ///
-    /// \throws RangeError for fewer than 8 bytes, and Error from the atoms' own decoding, unless the
-    /// reading is tolerant.
+    /// \throws RangeError for fewer than 8 bytes, and Error from the atoms' own decoding, unless
+    /// the reading is tolerant.
     static std::unique_ptr<VexQTAsset> initWithData(ByteView data, ReadOptions options = {});
+
+    /// Reads the root atoms anew, from an open file or from memory. Validity, once found, stays.
+    void readMainAtomsWithFileHandle(File& file, ReadOptions options = {});
+    void readMainAtomsWithData(ByteView data, ReadOptions options = {});
 
     /// The top-level atoms in file order.
     const std::vector<std::unique_ptr<VexQTAtom>>& rootAtoms() const { return rootAtoms_; }
@@ -53,14 +60,14 @@ public:
     /// What a tolerant reading met, in the order in which it met it.
     const std::vector<Problem>& problems() const { return problems_; }
 
-    /// "isValid": whether the file type names an accepted major brand. Any other key: the first root
-    /// atom whose type string it is, else an absent value.
+    /// "isValid": whether the file type names an accepted major brand. Any other key: the first
+    /// root atom whose type string it is, else an absent value.
     Value valueForKey(std::string_view key) const;
     /// Follows keys parted by points from a root atom to a property.
     Value valueForKeyPath(std::string_view keyPath) const;
 
-    /// Serialises the movie, turns the old one into free space where it lies, and writes the new one
-    /// behind the last media data, in the file that the asset was read from.
+    /// Serialises the movie, turns the old one into free space where it lies, and writes the new
+    /// one behind the last media data, in the file that the asset was read from.
     ///
     /// False, with the system's error, when that file cannot be opened for writing; nothing else
     /// that fails is reported. Other root atoms are not written. Offsets and original sizes keep
@@ -82,6 +89,8 @@ public:
 private:
     struct Unread {};
     explicit VexQTAsset(Unread) {}
+
+    void readMainAtoms(ReaderKind kind, MovieSource& source, ReadOptions options);
 
     std::vector<std::unique_ptr<VexQTAtom>> rootAtoms_;
     std::vector<Problem> problems_;

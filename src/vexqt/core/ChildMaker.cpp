@@ -43,8 +43,7 @@ SharedBytes ChildMaker::take(std::uint64_t size, std::uint64_t offsetInFile) {
 
 std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
                                             const SharedBytes& bytes, std::uint64_t offsetInFile,
-                                            const Particulars& particulars) {
-    ReadContext& context = in_.context();
+                                            const Particulars& particulars, ReadContext& context) {
     if (!context.isTolerant()) {
         auto child = VexQTAtom::make(cls, bytes, particulars.parent, offsetInFile, context);
         if (child) return child;
@@ -75,7 +74,7 @@ VexQTAtom* ChildMaker::add(const AtomClass* cls, OSType type, std::uint64_t size
         const bool isWhole = size >= kHeaderLength || !in_.context().isTolerant();
         const SharedBytes bytes = take(size, offsetInFile);
         if (cls == nullptr) return nullptr;
-        holder_.addChild(isWhole ? made(*cls, type, bytes, offsetInFile, particulars)
+        holder_.addChild(isWhole ? made(*cls, type, bytes, offsetInFile, particulars, in_.context())
                                  : VexQTAtom::makeDeclined(*cls, "no whole header", type, bytes,
                                                            particulars.parent, offsetInFile));
     } catch (Error& error) {

@@ -40,10 +40,15 @@ public:
     /// left out, whatever the reading.
     VexQTAtom* addRest(const AtomClass& cls);
 
+    /// An atom of a class from its bytes, or what a tolerant reading keeps in its place. Never
+    /// null. \throws InsertionError when the class declines the bytes, and what decoding them
+    /// raises.
+    static std::unique_ptr<VexQTAtom> made(const AtomClass& cls, OSType type,
+                                           const SharedBytes& bytes, std::uint64_t offsetInFile,
+                                           const Particulars& particulars, ReadContext& context);
+
 private:
     SharedBytes take(std::uint64_t size, std::uint64_t offsetInFile);
-    std::unique_ptr<VexQTAtom> made(const AtomClass& cls, OSType type, const SharedBytes& bytes,
-                                    std::uint64_t offsetInFile, const Particulars& particulars);
 
     VexQTAtom& holder_;
     AtomReader& in_;

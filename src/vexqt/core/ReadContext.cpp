@@ -1,6 +1,7 @@
 #include "vexqt/core/ReadContext.h"
 
 #include <algorithm>
+#include <span>
 
 #include "vexqt/core/VexQTAtom.h"
 
@@ -19,14 +20,15 @@ void ReadContext::addProblem(std::uint64_t offsetInFile, std::string message) {
     problems_->push_back({std::move(path), offsetInFile, std::move(message)});
 }
 
-ReadContext::Step::Step(ReadContext& context, OSType type, const Siblings& before)
-    : context_(context), type_(type), before_(before) {
+ReadContext::Step::Step(ReadContext& context, OSType type, const Siblings& siblings)
+    : context_(context), type_(type), siblings_(siblings), before_(siblings.size()) {
     context_.steps_.push_back(this);
 }
 
 std::string ReadContext::Step::segment() const {
-    const auto ordinal = std::ranges::count_if(
-        before_, [this](const auto& sibling) { return sibling->atomType() == type_; });
+    const auto ordinal =
+        std::ranges::count_if(std::span(siblings_).first(before_),
+                              [this](const auto& sibling) { return sibling->atomType() == type_; });
     std::string segment = pathSegment(type_);
     if (ordinal > 0) segment += '[' + std::to_string(ordinal) + ']';
     return segment;

@@ -48,7 +48,7 @@ public:
     /// One atom on the way from the roots to what is being read; lives as long as it is read.
     class Step {
     public:
-        Step(ReadContext& context, OSType type, const Siblings& before);
+        Step(ReadContext& context, OSType type, const Siblings& siblings);
         ~Step() { context_.steps_.pop_back(); }
         Step(const Step&) = delete;
         Step& operator=(const Step&) = delete;
@@ -59,7 +59,8 @@ public:
     private:
         ReadContext& context_;
         OSType type_;
-        const Siblings& before_;
+        const Siblings& siblings_;
+        std::size_t before_;  ///< How many siblings there were when this one was begun.
     };
 
 private:
