@@ -1,17 +1,17 @@
 #include "vexqt/core/Value.h"
 
+#include <cmath>
+
 namespace vexqt {
 
 namespace {
 
-/// Cut toward zero, wrapping into 64 bits; 0 for what is no number.
+/// Cut toward zero, wrapping into 64 bits; 0 for what is not finite.
 std::uint64_t wholeOf(double value) {
-    constexpr double kSigned = 9223372036854775808.0;     // 2^63
-    constexpr double kUnsigned = 18446744073709551616.0;  // 2^64
-    if (value > -kSigned - 1 && value < kSigned)
-        return static_cast<std::uint64_t>(static_cast<std::int64_t>(value));
-    if (value >= kSigned && value < kUnsigned) return static_cast<std::uint64_t>(value);
-    return 0;
+    if (!std::isfinite(value)) return 0;
+    constexpr double kRange = 18446744073709551616.0;  // 2^64
+    const auto whole = static_cast<std::uint64_t>(std::fmod(std::abs(value), kRange));
+    return value < 0 ? 0 - whole : whole;
 }
 
 }  // namespace

@@ -56,7 +56,8 @@ using ValueVariant = std::variant<std::monostate, bool, std::int64_t, std::uint6
 class Value : public ValueVariant {
 public:
     Value() = default;
-    Value(bool flag) : ValueVariant(flag) {}
+    template <std::same_as<bool> T>  // No pointer is taken for one.
+    Value(T flag) : ValueVariant(flag) {}
     template <std::unsigned_integral T>
     requires(!std::same_as<T, bool>) Value(T number) : ValueVariant(std::uint64_t{number}) {}
     template <std::signed_integral T>

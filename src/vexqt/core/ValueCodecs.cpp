@@ -7,12 +7,12 @@ namespace vexqt {
 
 namespace {
 
-/// Truncates toward zero. What does not fit 32 bits keeps its low 32, by way of 64; what is no
-/// number, or does not fit 64 either, is the smallest 32-bit number.
+/// Truncates toward zero. What does not fit 32 bits keeps its low 32; what is not finite is the
+/// smallest 32-bit number.
 std::int32_t truncated(double value) {
-    constexpr double kLimit = 9223372036854775808.0;  // 2^63
-    if (!(value > -kLimit && value < kLimit)) return std::numeric_limits<std::int32_t>::min();
-    return static_cast<std::int32_t>(static_cast<std::int64_t>(value));
+    if (!std::isfinite(value)) return std::numeric_limits<std::int32_t>::min();
+    constexpr double kRange = 4294967296.0;  // 2^32
+    return static_cast<std::int32_t>(static_cast<std::int64_t>(std::fmod(value, kRange)));
 }
 
 /// Integer part and fraction part each as given; a sum below zero comes out one lower.
