@@ -1,5 +1,6 @@
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 
+#include "vexqt/atoms/sampledescriptions/VexQTsounSampleDescription.h"
 #include "vexqt/atoms/sampledescriptions/VexQTvideSampleDescription.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
 #include "vexqt/core/ChildMaker.h"
@@ -17,6 +18,7 @@ struct EntryClass {
 };
 constexpr EntryClass kEntryClasses[] = {
     {"vide"_os, &VexQTvideSampleDescription::kClass},
+    {"soun"_os, &VexQTsounSampleDescription::kClass},
 };
 
 const AtomClass& entryClassOf(OSType mediaType) {

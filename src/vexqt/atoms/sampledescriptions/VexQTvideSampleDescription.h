@@ -43,7 +43,7 @@ public:
     /// length is written, over an empty field.
     const std::optional<std::string>& compressorName() const { return compressorName_; }
     void setCompressorName(std::optional<std::string> name) { compressorName_ = std::move(name); }
-    /// In bits per pixel; grey from 33 on.
+    /// In bits per pixel; 32 more than that for grey levels.
     std::uint16_t depth() const { return depth_; }
     void setDepth(std::uint16_t depth) { depth_ = depth; }
     /// -1 for none, 0 for one that follows, else a standard one.
