@@ -40,8 +40,7 @@ struct VexQTsounSampleDescription::Layout {
 
     static constexpr auto fields = entryRows(
         field<&Atom::soundVersion_, U16>("soundVersion"),
-        field<&Atom::revisionLevel_, U16>("revisionLevel"),
-        field<&Atom::vendor_, Code>("vendor"),
+        field<&Atom::revisionLevel_, U16>("revisionLevel"), field<&Atom::vendor_, Code>("vendor"),
         field<&Atom::numberOfChannels_, U16>("numberOfChannels").in("channels"),
         field<&Atom::sampleSize_, U16>("sampleSize").in("bits"),
         field<&Atom::compressionID_, U16>("compressionID"),

@@ -1,5 +1,10 @@
 #include "vexqt/atoms/sampledescriptions/VexQTvideSampleDescription.h"
 
+#include "vexqt/atoms/headers/VexQTavcCAtom.h"
+#include "vexqt/atoms/headers/VexQTclapAtom.h"
+#include "vexqt/atoms/headers/VexQTcolrAtom.h"
+#include "vexqt/atoms/headers/VexQTfielAtom.h"
+#include "vexqt/atoms/headers/VexQTpaspAtom.h"
 #include "vexqt/atoms/sampledescriptions/entry_rows.h"
 #include "vexqt/atoms/structure/VexQTsinfAtom.h"
 #include "vexqt/core/full_atom.h"
@@ -91,7 +96,9 @@ void VexQTvideSampleDescription::encodeZeroWord(ByteWriter& out) const {
 }
 
 static constexpr ChildRule kExtensions[] = {
-    {.cls = &VexQTsinfAtom::kClass},
+    {.cls = &VexQTavcCAtom::kClass}, {.cls = &VexQTclapAtom::kClass},
+    {.cls = &VexQTcolrAtom::kClass}, {.cls = &VexQTfielAtom::kClass},
+    {.cls = &VexQTpaspAtom::kClass}, {.cls = &VexQTsinfAtom::kClass},
 };
 
 constinit const AtomClass VexQTvideSampleDescription::kClass = {

@@ -1,11 +1,13 @@
 #include "vexqt/atoms/structure/VexQTstblAtom.h"
 
+#include "vexqt/atoms/headers/VexQTcslgAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 
 namespace vexqt {
 
 static constexpr ChildRule kChildren[] = {
     {.cls = &VexQTstsdAtom::kClass},
+    {.cls = &VexQTcslgAtom::kClass},
 };
 
 constinit const AtomClass VexQTstblAtom::kClass = {
