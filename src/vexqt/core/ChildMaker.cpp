@@ -59,6 +59,7 @@ std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
     } catch (const Error& error) {
         reason = error.message();
     }
+    context.renameInnermost(type);
     context.addProblem(offsetInFile, "Atom '" + textFromCode(type) + "' declined by " +
                                          std::string(cls.className) + " (" + reason +
                                          ") - kept as raw data");
@@ -66,10 +67,18 @@ std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
                                    offsetInFile);
 }
 
+/// The type under which a child will be found: entries that begin with their own format have their
+/// class's type all the same.
+static OSType typeInTree(const AtomClass* cls, OSType type) {
+    const bool isTypeOfClass =
+        cls != nullptr && cls->header == HeaderRule::None && cls->type != kAnyType;
+    return isTypeOfClass ? cls->type : type;
+}
+
 VexQTAtom* ChildMaker::add(const AtomClass* cls, OSType type, std::uint64_t size,
                            const Particulars& particulars) {
     const std::uint64_t offsetInFile = holder_.offsetInFile() + in_.position();
-    const ReadContext::Step step(in_.context(), type, holder_.children());
+    const ReadContext::Step step(in_.context(), typeInTree(cls, type), holder_.children());
     try {
         const bool isWhole = size >= kHeaderLength || !in_.context().isTolerant();
         const SharedBytes bytes = take(size, offsetInFile);

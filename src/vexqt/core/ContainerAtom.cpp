@@ -4,9 +4,7 @@
 
 namespace vexqt {
 
-/// The class that a table gives to a child: the generic one when no line covers it, null when it is
-/// to be dropped.
-static const AtomClass* classOf(std::span<const ChildRule> table, OSType type, std::uint64_t size) {
+const AtomClass* classOfChild(std::span<const ChildRule> table, OSType type, std::uint64_t size) {
     for (const ChildRule& rule : table) {
         const OSType covered = rule.type != 0 ? rule.type : rule.cls->type;
         if (type == covered && size >= rule.minimumSize) return rule.cls;
@@ -23,7 +21,7 @@ void ContainerAtom::decodeChildren(AtomReader& in) {
         std::uint64_t size = header.size;
         if (size == 0 && (!header.isExtended || cls.zeroExtendedSizeReachesEnd))
             size = in.length() - 8;
-        if (maker.add(classOf(cls.children, header.type, size), header.type, size))
+        if (maker.add(classOfChild(cls.children, header.type, size), header.type, size))
             didDecodeChild(*children().back());
     }
 }

@@ -18,6 +18,10 @@ protected:
     virtual void didDecodeChild(const VexQTAtom&) {}
 };
 
+/// The class that a child table gives to a child: the generic one when no line covers it, null when
+/// it is to be dropped.
+const AtomClass* classOfChild(std::span<const ChildRule> table, OSType type, std::uint64_t size);
+
 /// The children of an atom, one after another, as they are written whatever way they were read.
 void appendChildren(const Record& atom, ByteWriter& out);
 

@@ -20,6 +20,10 @@ void ReadContext::addProblem(std::uint64_t offsetInFile, std::string message) {
     problems_->push_back({std::move(path), offsetInFile, std::move(message)});
 }
 
+void ReadContext::renameInnermost(OSType type) {
+    if (!steps_.empty()) steps_.back()->type_ = type;
+}
+
 ReadContext::Step::Step(ReadContext& context, OSType type, const Siblings& siblings)
     : context_(context), type_(type), siblings_(siblings), before_(siblings.size()) {
     context_.steps_.push_back(this);

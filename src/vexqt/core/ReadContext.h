@@ -45,6 +45,9 @@ public:
     /// For an atom that is read below atoms which this reading did not make.
     void setOuterDepth(std::size_t depth) { outerDepth_ = depth; }
 
+    /// The atom that is being read will be found under another type than it was thought.
+    void renameInnermost(OSType type);
+
     /// One atom on the way from the roots to what is being read; lives as long as it is read.
     class Step {
     public:
@@ -57,6 +60,8 @@ public:
         std::string segment() const;
 
     private:
+        friend class ReadContext;
+
         ReadContext& context_;
         OSType type_;
         const Siblings& siblings_;
@@ -66,7 +71,7 @@ public:
 private:
     std::vector<Problem>* problems_ = nullptr;
     std::size_t outerDepth_ = 0;
-    std::vector<const Step*> steps_;
+    std::vector<Step*> steps_;
 };
 
 }  // namespace vexqt

@@ -10,8 +10,7 @@ struct VexQTAtom::Layout {
     /// Raw bytes or children. An atom that somebody gave both writes the raw bytes alone, although
     /// its size counts both.
     static void decode(Record& record, AtomReader& in) {
-        static_cast<VexQTAtom&>(record).keepUnknownDataFrom(in.position());
-        in.rest();
+        static_cast<VexQTAtom&>(record).keepRest(in);
     }
     static void encode(const Record& record, ByteWriter& out) {
         if (const auto bytes = static_cast<const VexQTAtom&>(record).unknownBytes()) {
@@ -109,8 +108,9 @@ std::unique_ptr<VexQTAtom> VexQTAtom::make(const AtomClass& cls, ByteView data, 
     std::size_t depth = 0;
     for (const VexQTAtom* above = parent; above; above = above->parent()) ++depth;
     context.setOuterDepth(depth);
-    ByteReader in(data, cls.header == HeaderRule::None ? 0 : 4);
-    const OSType type = cls.type == kAnyType && in.remaining() >= 4 ? in.u32() : cls.type;
+    const bool isTypeRead = cls.type == kAnyType && cls.writtenHeader != WrittenHeader::None;
+    ByteReader in(data, 4);
+    const OSType type = isTypeRead && in.remaining() >= 4 ? in.u32() : cls.type;
     const ReadContext::Siblings alone;
     const ReadContext::Step step(context, type, alone);
     try {
@@ -362,6 +362,15 @@ Extent VexQTAtom::extent() const {
     const bool isExtended =
         bytes.size() >= 16 && class_.header != HeaderRule::None && ByteReader(bytes).u32() == 1;
     return {offsetInFile_, isExtended ? std::size_t{16} : std::size_t{8}, bytes.size()};
+}
+
+void VexQTAtom::keepRest(AtomReader& in) {
+    keepUnknownDataFrom(in.position());
+    in.rest();
+}
+
+void VexQTAtom::appendRest(ByteWriter& out) const {
+    if (const auto bytes = unknownBytes()) out.append(*bytes);
 }
 
 std::uint8_t VexQTAtom::flagAtIndex(std::int32_t index) const {

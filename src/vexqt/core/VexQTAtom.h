@@ -190,6 +190,9 @@ protected:
     /// Keeps what follows an offset in the bytes read as the raw remainder.
     void keepUnknownDataFrom(std::size_t offset) { unknownFrom_ = offset; }
     void dropUnknownData() { unknownFrom_ = kAbsent; }
+    /// A row that reads everything that is left as the raw remainder, and writes it back.
+    void keepRest(AtomReader& in);
+    void appendRest(ByteWriter& out) const;
 
 private:
     friend class ChildMaker;

@@ -88,6 +88,11 @@ struct Field {
         row.display = theDisplay;
         return row;
     }
+    constexpr Field holdingChildren() const {
+        Field row = *this;
+        row.holdsChildren = true;
+        return row;
+    }
     constexpr bool isNumeric() const {
         return kind == ValueKind::Boolean || kind == ValueKind::Unsigned ||
                kind == ValueKind::Signed || kind == ValueKind::Floating;

@@ -1,6 +1,12 @@
 #include "vexqt/atoms/structure/VexQTclipAtom.h"
 
+#include "vexqt/atoms/headers/VexQTcrgnAtom.h"
+
 namespace vexqt {
+
+static constexpr ChildRule kChildren[] = {
+    {.cls = &VexQTcrgnAtom::kClass},
+};
 
 constinit const AtomClass VexQTclipAtom::kClass = {
     .type = "clip"_os,
@@ -10,6 +16,7 @@ constinit const AtomClass VexQTclipAtom::kClass = {
     .writtenHeader = WrittenHeader::AsHeld,
     .typeRule = TypeRule::Restored,
     .fields = kOnlyChildAtoms,
+    .children = kChildren,
     .create = create<VexQTclipAtom>,
 };
 

@@ -1,10 +1,14 @@
 #include "vexqt/atoms/structure/VexQTsinfAtom.h"
 
+#include "vexqt/atoms/headers/VexQTfrmaAtom.h"
+#include "vexqt/atoms/headers/VexQTschmAtom.h"
 #include "vexqt/atoms/structure/VexQTschiAtom.h"
 
 namespace vexqt {
 
 static constexpr ChildRule kChildren[] = {
+    {.cls = &VexQTfrmaAtom::kClass},
+    {.cls = &VexQTschmAtom::kClass},
     {.cls = &VexQTschiAtom::kClass},
 };
 

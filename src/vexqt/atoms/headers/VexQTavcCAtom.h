@@ -1,0 +1,16 @@
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// The configuration that an AVC decoder needs, kept as raw bytes.
+class VexQTavcCAtom final : public AtomOf<VexQTavcCAtom> {
+public:
+    static const AtomClass kClass;
+
+private:
+    struct Layout;
+};
+
+}  // namespace vexqt

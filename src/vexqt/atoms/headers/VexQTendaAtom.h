@@ -1,0 +1,21 @@
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// The byte order of samples.
+class VexQTendaAtom final : public AtomOf<VexQTendaAtom> {
+public:
+    static const AtomClass kClass;
+
+    bool littleEndian() const { return littleEndian_; }
+    void setLittleEndian(bool littleEndian) { littleEndian_ = littleEndian; }
+
+private:
+    struct Layout;
+
+    bool littleEndian_ = false;
+};
+
+}  // namespace vexqt

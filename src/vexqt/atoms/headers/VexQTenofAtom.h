@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vexqt/atoms/headers/ApertureDimensionsAtom.h"
+
+namespace vexqt {
+
+/// The dimensions of a track as its picture is encoded, pixels taken for square.
+class VexQTenofAtom final : public AtomOf<VexQTenofAtom, ApertureDimensionsAtom> {
+public:
+    static const AtomClass kClass;
+};
+
+}  // namespace vexqt

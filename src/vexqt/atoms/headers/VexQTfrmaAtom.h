@@ -1,0 +1,21 @@
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// The format that the samples have behind a wrapper or their protection.
+class VexQTfrmaAtom final : public AtomOf<VexQTfrmaAtom> {
+public:
+    static const AtomClass kClass;
+
+    OSType format() const { return format_; }
+    void setFormat(OSType format) { format_ = format; }
+
+private:
+    struct Layout;
+
+    OSType format_ = kAnyType;
+};
+
+}  // namespace vexqt

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "vexqt/atoms/headers/ApertureDimensionsAtom.h"
+
+namespace vexqt {
+
+/// The dimensions of a track with the whole picture.
+class VexQTprofAtom final : public AtomOf<VexQTprofAtom, ApertureDimensionsAtom> {
+public:
+    static const AtomClass kClass;
+};
+
+}  // namespace vexqt

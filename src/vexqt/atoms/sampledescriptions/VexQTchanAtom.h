@@ -1,0 +1,66 @@
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// One channel of a channel layout: 20 bytes without a header of their own.
+///
+/// A description that is read does not know its parent.
+class VexQTChannelDescription final : public AtomOf<VexQTChannelDescription> {
+public:
+    static const AtomClass kClass;
+
+    VexQTChannelDescription() { setVersion(0); }
+
+    /// Which loudspeaker the channel is for.
+    std::uint32_t channelLabel() const { return channelLabel_; }
+    void setChannelLabel(std::uint32_t label) { channelLabel_ = label; }
+    /// How the coordinates are meant.
+    std::uint32_t channelFlags() const { return channelFlags_; }
+    void setChannelFlags(std::uint32_t flags) { channelFlags_ = flags; }
+    float channelCoordinateX() const { return channelCoordinateX_; }
+    void setChannelCoordinateX(float coordinate) { channelCoordinateX_ = coordinate; }
+    float channelCoordinateY() const { return channelCoordinateY_; }
+    void setChannelCoordinateY(float coordinate) { channelCoordinateY_ = coordinate; }
+    float channelCoordinateZ() const { return channelCoordinateZ_; }
+    void setChannelCoordinateZ(float coordinate) { channelCoordinateZ_ = coordinate; }
+
+private:
+    struct Layout;
+
+    std::uint32_t channelLabel_ = 0;
+    std::uint32_t channelFlags_ = 0;
+    float channelCoordinateX_ = 0;
+    float channelCoordinateY_ = 0;
+    float channelCoordinateZ_ = 0;
+};
+
+/// The channel layout of a sound description: a tag, or a bitmap, or a description for every
+/// channel. The descriptions are the atom's children.
+class VexQTchanAtom final : public AtomOf<VexQTchanAtom> {
+public:
+    static const AtomClass kClass;
+
+    VexQTchanAtom();
+
+    std::uint32_t channelLayoutTag() const { return channelLayoutTag_; }
+    void setChannelLayoutTag(std::uint32_t tag) { channelLayoutTag_ = tag; }
+    std::uint32_t channelBitmap() const { return channelBitmap_; }
+    void setChannelBitmap(std::uint32_t bitmap) { channelBitmap_ = bitmap; }
+    /// Whether zeros for one description are written where there is none. Any byte behind a count
+    /// of 0 sets it.
+    bool appendEmptyChannelDescription() const { return appendEmptyChannelDescription_; }
+    void setAppendEmptyChannelDescription(bool append) { appendEmptyChannelDescription_ = append; }
+
+private:
+    struct Layout;
+    void decodeDescriptions(AtomReader& in);
+    void encodeDescriptions(ByteWriter& out) const;
+
+    std::uint32_t channelLayoutTag_ = 0;
+    std::uint32_t channelBitmap_ = 0;
+    bool appendEmptyChannelDescription_ = false;
+};
+
+}  // namespace vexqt
