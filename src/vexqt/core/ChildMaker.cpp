@@ -77,12 +77,17 @@ static OSType typeInTree(const AtomClass* cls, OSType type) {
 
 VexQTAtom* ChildMaker::add(const AtomClass* cls, OSType type, std::uint64_t size,
                            const Particulars& particulars) {
-    const std::uint64_t offsetInFile = holder_.offsetInFile() + in_.position();
+    const std::size_t start = in_.position();
+    const std::uint64_t offsetInFile = holder_.offsetInFile() + start;
     const ReadContext::Step step(in_.context(), typeInTree(cls, type), holder_.children());
     try {
         const bool isWhole = size >= kHeaderLength || !in_.context().isTolerant();
         const SharedBytes bytes = take(size, offsetInFile);
         if (cls == nullptr) return nullptr;
+        if (Survey* survey = in_.context().survey()) {
+            survey->children.push_back({.start = start, .end = in_.position()});
+            return nullptr;
+        }
         holder_.addChild(isWhole ? made(*cls, type, bytes, offsetInFile, particulars, in_.context())
                                  : VexQTAtom::makeDeclined(*cls, "no whole header", type, bytes,
                                                            particulars.parent, offsetInFile));

@@ -11,6 +11,7 @@
 namespace vexqt {
 
 class VexQTAtom;
+struct Field;
 
 /// Something that a tolerant reading met and went on from.
 struct Problem {
@@ -19,6 +20,18 @@ struct Problem {
     std::string message;
 
     friend bool operator==(const Problem&, const Problem&) = default;
+};
+
+/// Where the parts of one atom lie in its bytes, counted from the first of them, as its class reads
+/// them.
+struct Survey {
+    struct Part {
+        const Field* row = nullptr;  ///< Null for a child.
+        std::size_t start = 0;
+        std::size_t end = 0;
+    };
+    std::vector<Part> rows;      ///< In file order.
+    std::vector<Part> children;  ///< In file order; none for a child that its class drops.
 };
 
 /// Atoms nested deeper are a NestingError: no real movie comes near.
@@ -32,6 +45,9 @@ public:
     ReadContext() = default;
     /// Tolerant: what is wrong is added to problems, and reading goes on.
     explicit ReadContext(std::vector<Problem>& problems) : problems_(&problems) {}
+    /// Tolerant, and finds out where the parts of one atom lie instead of making its children.
+    ReadContext(Survey& survey, std::vector<Problem>& problems)
+        : problems_(&problems), survey_(&survey) {}
     ReadContext(const ReadContext&) = delete;
     ReadContext& operator=(const ReadContext&) = delete;
 
@@ -39,6 +55,9 @@ public:
     /// Adds a problem of the atom that is being read; only when tolerant. A file that is nothing
     /// but problems does not fill the memory with them: the list ends after a thousand and says so.
     void addProblem(std::uint64_t offsetInFile, std::string message);
+
+    /// Null unless this is a survey.
+    Survey* survey() const { return survey_; }
 
     /// How many atoms deep the one being read lies, itself counted.
     std::size_t depth() const { return outerDepth_ + steps_.size(); }
@@ -70,6 +89,7 @@ public:
 
 private:
     std::vector<Problem>* problems_ = nullptr;
+    Survey* survey_ = nullptr;
     std::size_t outerDepth_ = 0;
     std::vector<Step*> steps_;
 };

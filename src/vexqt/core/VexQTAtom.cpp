@@ -20,7 +20,7 @@ struct VexQTAtom::Layout {
         }
     }
     static constexpr Field fields[] = {
-        {.holdsChildren = true, .decode = decode, .encode = encode},
+        {.decode = decode, .encode = encode},
     };
 
     using Atom = VexQTAtom;
@@ -199,8 +199,13 @@ void VexQTAtom::decode(const SharedBytes& bytes, ReadContext& context) {
         start = header.length;
     }
     AtomReader in(bytes, start, context);
-    for (const Field& field : class_.fields)
-        if (field.decode != nullptr && isPresent(field, *this)) field.decode(*this, in);
+    for (const Field& field : class_.fields) {
+        if (field.decode == nullptr || !isPresent(field, *this)) continue;
+        const std::size_t rowStart = in.position();
+        field.decode(*this, in);
+        if (Survey* survey = context.survey())
+            survey->rows.push_back({&field, rowStart, in.position()});
+    }
     verifyCalculatedDataWithOriginalData(bytes.view());
 }
 

@@ -10,7 +10,9 @@
 #include <bit>
 #include <concepts>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "vexqt/platform/bytes_types.h"
@@ -61,7 +63,32 @@ public:
     }
     SharedBytes first(std::size_t length) const { return part(0, length); }
 
+    /// Where a part of the same block lies in this one; absent for any other.
+    std::optional<std::size_t> offsetOf(const SharedBytes& part) const {
+        if (!sharesBlockWith(part)) return std::nullopt;
+        const std::less_equal<const std::uint8_t*> notAfter;
+        const std::uint8_t* const first = first_.get();
+        const std::uint8_t* const partFirst = part.first_.get();
+        if (!notAfter(first, partFirst)) return std::nullopt;
+        const auto offset = static_cast<std::size_t>(partFirst - first);
+        if (offset > length_ || part.length_ > length_ - offset) return std::nullopt;
+        return offset;
+    }
+    /// This part and one that lies right behind it in the same block, as one; absent otherwise.
+    std::optional<SharedBytes> joined(const SharedBytes& next) const {
+        if (!sharesBlockWith(next) || next.first_.get() != first_.get() + length_)
+            return std::nullopt;
+        SharedBytes whole = *this;
+        whole.length_ += next.length_;
+        return whole;
+    }
+
 private:
+    bool sharesBlockWith(const SharedBytes& other) const {
+        return first_ != nullptr && !first_.owner_before(other.first_) &&
+               !other.first_.owner_before(first_);
+    }
+
     std::shared_ptr<std::uint8_t[]> first_;
     std::size_t length_ = 0;
 };

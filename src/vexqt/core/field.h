@@ -69,6 +69,7 @@ struct Field {
     Display display = Display::Plain;
     std::string_view unit = {};  ///< "seconds", "pixels"; empty where there is none.
     bool isOptional = false;     ///< Whether it can be absent.
+    std::uint8_t unitWidth = 0;  ///< Of the values that repeat in these bytes; 0 for one alone.
     bool holdsChildren = false;  ///< Whether these bytes are the atom's children.
 
     void (*decode)(Record&, AtomReader&) = nullptr;  ///< Null for what is not in the file.
@@ -77,6 +78,9 @@ struct Field {
     void (*set)(Record&, const Value&) = nullptr;  ///< Null for what cannot be set.
     const ListAccess* list = nullptr;              ///< Null for all but lists.
     bool (*present)(const Record&) = nullptr;      ///< Null for what is always in the file.
+    /// Whether the value is still the one that was read, as far as that is known without a look at
+    /// it. Null where it never is.
+    bool (*untouched)(const Record&) = nullptr;
 
     constexpr Field in(std::string_view theUnit) const {
         Field row = *this;

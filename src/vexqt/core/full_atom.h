@@ -42,12 +42,12 @@ inline constexpr Field versionWrittenAsZero = {
     .width = 1, .decode = rows::readVersion, .encode = rows::writeZeros<1>};
 
 inline constexpr Field flagsKept = {
-    .width = 3, .decode = rows::readFlags, .encode = rows::writeFlags};
+    .width = 3, .unitWidth = 1, .decode = rows::readFlags, .encode = rows::writeFlags};
 /// The file's flags are ignored; the atom's own are written, zero unless someone set them.
 inline constexpr Field flagsNotRead = {
-    .width = 3, .decode = rows::skip<3>, .encode = rows::writeFlags};
+    .width = 3, .unitWidth = 1, .decode = rows::skip<3>, .encode = rows::writeFlags};
 /// The file's flags are ignored, and zeros are written whatever the atom's own are.
 inline constexpr Field flagsDropped = {
-    .width = 3, .decode = rows::skip<3>, .encode = rows::writeZeros<3>};
+    .width = 3, .unitWidth = 1, .decode = rows::skip<3>, .encode = rows::writeZeros<3>};
 
 }  // namespace vexqt

@@ -10,6 +10,7 @@ template <class Codec>
 constexpr Field matrixRow() {
     Field row = accessors<&VexQTAtom::matrix, &VexQTAtom::setMatrix>("matrix");
     row.width = Codec::width;
+    row.unitWidth = 4;
     row.decode = [](Record& record, AtomReader& in) {
         static_cast<VexQTAtom&>(record).setMatrix(Codec::read(in));
     };

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "vexqt/core/bytes.h"
+
+namespace vexqt {
+
+/// A long run of bytes put together from parts of what was read and from new ones, without a copy
+/// of either.
+class ByteRope {
+public:
+    /// A part that lies right behind the one before it, in the same block, becomes one with it.
+    void append(const SharedBytes& part);
+    void append(ByteView newBytes) {
+        if (!newBytes.empty()) append(SharedBytes::copyOf(newBytes));
+    }
+    void append(ByteRope&& rope);
+
+    std::uint64_t length() const { return length_; }
+    const std::vector<SharedBytes>& parts() const { return parts_; }
+    /// The first bytes; as many as there are of that count.
+    Bytes first(std::size_t count) const;
+    /// All of it, copied into one block.
+    SharedBytes flat() const;
+
+private:
+    std::vector<SharedBytes> parts_;
+    std::uint64_t length_ = 0;
+};
+
+}  // namespace vexqt

@@ -1,0 +1,50 @@
+// Writing an atom so that only the bytes of what was edited change.
+//
+// Nobody marks what was edited. Every row of an atom's class is looked at three times: the bytes as
+// they were read; what the class writes for the values that those bytes give; what it writes for
+// the values that the atom has now. Where the last two agree nobody edited the row, and the bytes
+// that were read stay, however the class itself would have written them. What no row covers and no
+// child is made of stays as well: dropped children, a last bare header, bytes behind the end.
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+#include "vexqt/saving/ByteRope.h"
+
+namespace vexqt {
+
+/// A row of an atom that was edited.
+struct Edit {
+    const VexQTAtom* atom = nullptr;
+    std::string_view property;  ///< The row's name; empty for what has none, such as a child list.
+};
+
+class Surgery {
+public:
+    /// The atom's bytes, children included. An atom made in memory is written as its class writes
+    /// it.
+    /// \throws EncodingError where an edit has no form in the file.
+    ByteRope written(VexQTAtom& atom);
+
+    /// What was found to be edited while writing, in file order.
+    const std::vector<Edit>& edits() const { return edits_; }
+
+private:
+    struct AsRead;
+
+    ByteRope writtenAsRead(VexQTAtom& atom);
+    void appendRow(const Field& row, const Survey::Part& part, const AsRead& read, VexQTAtom& atom,
+                   ByteRope& out);
+    void appendChildren(const Survey::Part& region, const AsRead& read, VexQTAtom& atom,
+                        ByteRope& out);
+
+    std::vector<Edit> edits_;
+};
+
+/// What a row's class writes for a record; absent where it cannot, or the row is not in the file.
+std::optional<Bytes> encodedRow(const Field& row, const Record& record);
+
+/// The bytes of a row that was edited: those that were read, but for the values that differ between
+/// what would be written of them and what would be written now.
+Bytes mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now);
+
+}  // namespace vexqt
