@@ -83,10 +83,8 @@ public:
 private:
     bool mayBecome(std::uint64_t size, std::error_code& error) const {
         error.clear();
-        if (access_ == Access::Read)
-            error = std::make_error_code(std::errc::bad_file_descriptor);
-        else if (size > kMostBytes)
-            error = std::make_error_code(std::errc::no_space_on_device);
+        if (size > kMostBytes) error = std::make_error_code(std::errc::no_space_on_device);
+        if (access_ == Access::Read) error = std::make_error_code(std::errc::bad_file_descriptor);
         return !error;
     }
 

@@ -58,7 +58,7 @@ std::string textFromDate(Date date) {
     const std::chrono::year_month_day day(
         std::chrono::sys_days(std::chrono::days(days - eras * kDaysInEra)));
     const std::int64_t year = int{day.year()} + eras * kYearsInEra;
-    const auto time = static_cast<int>(seconds - days * kSecondsInDay);
+    const auto time = static_cast<int>((seconds % kSecondsInDay + kSecondsInDay) % kSecondsInDay);
 
     std::array<char, 64> text{};
     std::snprintf(text.data(), text.size(), "%s%04lld-%02u-%02uT%02d:%02d:%02dZ",

@@ -68,7 +68,7 @@ UCollator* naturalCollator() {
         std::unique_ptr<UCollator, Close> root(ucol_open("root", &status));
         ucol_setAttribute(root.get(), UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
         ucol_setAttribute(root.get(), UCOL_STRENGTH, UCOL_SECONDARY, &status);
-        if (U_FAILURE(status))
+        if (U_FAILURE(status) != 0)
             throw Error(std::string("no order of texts: ") + u_errorName(status));
         return root;
     }();
