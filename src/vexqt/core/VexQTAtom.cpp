@@ -92,6 +92,7 @@ VexQTAtom::VexQTAtom(const VexQTAtom& other)
       offsetInFile_(other.offsetInFile_),
       origin_(other.origin_),
       unknownFrom_(other.unknownFrom_),
+      extras_(other.extras_ ? std::make_unique<Extras>(*other.extras_) : nullptr),
       type_(other.type_),
       version_(other.version_),
       flags_(other.flags_) {}
