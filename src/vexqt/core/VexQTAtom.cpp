@@ -293,12 +293,13 @@ void VexQTAtom::removeChildrenWithType(OSType type) {
 }
 
 std::unique_ptr<VexQTAtom> VexQTAtom::removeChild(const VexQTAtom* child) {
+    if (child == nullptr) return nullptr;
+    increaseSizeBy(static_cast<std::int64_t>(0 - child->atomSize()));
     const auto found = std::ranges::find_if(
         children_, [&](const auto& candidate) { return candidate.get() == child; });
     if (found == children_.end()) return nullptr;
     std::unique_ptr<VexQTAtom> removed = std::move(*found);
     children_.erase(found);
-    increaseSizeBy(static_cast<std::int64_t>(0 - removed->atomSize()));
     return removed;
 }
 
