@@ -92,6 +92,7 @@ VexQTAtom::VexQTAtom(const VexQTAtom& other)
       offsetInFile_(other.offsetInFile_),
       origin_(other.origin_),
       unknownFrom_(other.unknownFrom_),
+      extras_(other.extras_ ? std::make_unique<Extras>(*other.extras_) : nullptr),
       type_(other.type_),
       version_(other.version_),
       flags_(other.flags_) {}
@@ -297,12 +298,13 @@ void VexQTAtom::removeChildrenWithType(OSType type) {
 }
 
 std::unique_ptr<VexQTAtom> VexQTAtom::removeChild(const VexQTAtom* child) {
+    if (child == nullptr) return nullptr;
+    increaseSizeBy(static_cast<std::int64_t>(0 - child->atomSize()));
     const auto found = std::ranges::find_if(
         children_, [&](const auto& candidate) { return candidate.get() == child; });
     if (found == children_.end()) return nullptr;
     std::unique_ptr<VexQTAtom> removed = std::move(*found);
     children_.erase(found);
-    increaseSizeBy(static_cast<std::int64_t>(0 - removed->atomSize()));
     return removed;
 }
 

@@ -64,7 +64,7 @@ public:
     /// Removes every child of that type. No size changes.
     void removeChildrenWithType(OSType type);
     /// Takes a child out and lowers the size of this atom and of all above it by the child's.
-    /// Null when it is no child of this atom.
+    /// Null when it is no child of this atom; the sizes are lowered all the same.
     std::unique_ptr<VexQTAtom> removeChild(const VexQTAtom* child);
     /// The first child of that type, null for none.
     VexQTAtom* childWithType(OSType type) const;

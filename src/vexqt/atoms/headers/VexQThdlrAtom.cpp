@@ -51,9 +51,8 @@ void VexQThdlrAtom::encodeName(ByteWriter& out) const {
 
 /// Keeps only the low byte of the name's length, and takes an empty name for an absent one.
 std::uint64_t VexQThdlrAtom::declaredSize(std::uint64_t) const {
-    const auto name = componentName_ ? asciiFromText(*componentName_) : std::nullopt;
-    if (!name || name->empty()) return appendEmptyStringLength_ ? 34 : 32;
-    return 33 + name->size() % 256;
+    if (!componentName_ || componentName_->empty()) return appendEmptyStringLength_ ? 34 : 32;
+    return 33 + asciiFromText(*componentName_).value_or(Bytes()).size() % 256;
 }
 
 constinit const AtomClass VexQThdlrAtom::kClass = {
