@@ -56,7 +56,7 @@ void RootReader::read(const std::function<bool(const VexQTftypAtom&)>& accepts) 
             throw RangeError(0, kHeaderLength, source_.length());
         if (context_.isTolerant())
             context_.addProblem(
-                0, "too short for an atom: " + std::to_string(source_.length()) + " bytes");
+                0, "too short for an atom: " + std::to_string(source_.length()) + " bytes", true);
         return;
     }
     std::uint64_t position = 0;
@@ -67,7 +67,7 @@ void RootReader::read(const std::function<bool(const VexQTftypAtom&)>& accepts) 
             if (header.isCut) {
                 const std::uint64_t there = source_.length() - position;
                 if (!context_.isTolerant()) throw RangeError(kHeaderLength, kHeaderLength, there);
-                context_.addProblem(position, "the file ends inside its header");
+                context_.addProblem(position, "the file ends inside its header", true);
                 return;
             }
             if (readAtom(header, accepts) == Next::Stop) return;
@@ -92,9 +92,11 @@ RootReader::Next RootReader::readAtom(const Header& header,
         return Next::Stop;
     }
     if (context_.isTolerant() && reachesPastEnd(header)) {
-        context_.addProblem(header.start, "declares " + std::to_string(header.size) + " bytes, " +
-                                              std::to_string(lengthThere(header)) +
-                                              " there - the file is cut short");
+        context_.addProblem(header.start,
+                            "declares " + std::to_string(header.size) + " bytes, " +
+                                std::to_string(lengthThere(header)) +
+                                " there - the file is cut short",
+                            true);
     }
     const std::uint64_t offset = header.contents();
     switch (header.type) {

@@ -2,7 +2,6 @@
 
 #include "vexqt/asset/RootReader.h"
 #include "vexqt/atoms/structure/VexQTftypAtom.h"
-#include "vexqt/platform/files.h"
 #include "vexqt/platform/log.h"
 
 namespace vexqt {
@@ -94,6 +93,8 @@ std::unique_ptr<VexQTAsset> VexQTAsset::initWithData(ByteView data, ReadOptions 
 
 void VexQTAsset::readMainAtomsWithFileHandle(File& file, ReadOptions options) {
     FileSource source(file);
+    std::error_code error;
+    fileIdentity_ = file.identity(error);
     readMainAtoms(ReaderKind::OfFiles, source, options);
 }
 
@@ -105,6 +106,7 @@ void VexQTAsset::readMainAtomsWithData(ByteView data, ReadOptions options) {
 void VexQTAsset::readMainAtoms(ReaderKind kind, MovieSource& source, ReadOptions options) {
     rootAtoms_.clear();
     problems_.clear();
+    extentsAsRead_.clear();
     const auto context = options.tolerant ? std::make_unique<ReadContext>(problems_)
                                           : std::make_unique<ReadContext>();
     RootReader(kind, source, *context, rootAtoms_).read([&](const VexQTftypAtom& fileType) {
@@ -120,6 +122,7 @@ void VexQTAsset::readMainAtoms(ReaderKind kind, MovieSource& source, ReadOptions
         context->addProblem(fileType.extent().start, std::move(message));
         return true;
     });
+    for (const auto& root : rootAtoms_) extentsAsRead_.push_back(root->extent());
 }
 
 VexQTmoovAtom* VexQTAsset::moovAtom() const {
@@ -170,24 +173,29 @@ bool VexQTAsset::writeInPlaceWithError(std::error_code& error) {
     const std::unique_ptr<File> file = systemFiles().openForWriting(*assetURL_, error);
     if (!file) return false;
 
-    Bytes newMovie;
-    for (const auto& root : rootAtoms_)
-        if (root->atomType() == "moov"_os) newMovie = root->atomData();
-
     std::error_code unchecked;  // From here on nothing that fails is reported.
+    for (const InPlaceWrite& write : inPlaceWrites())
+        file->writeAt(write.offset, write.bytes, unchecked);
+    return true;
+}
+
+std::vector<VexQTAsset::InPlaceWrite> VexQTAsset::inPlaceWrites() {
+    std::vector<InPlaceWrite> writes;
+    Bytes newMovie;
     for (const auto& root : rootAtoms_) {
+        if (root->atomType() != "moov"_os) continue;
+        newMovie = root->atomData();
         const auto* movie = dynamic_cast<const VexQTmoovAtom*>(root.get());
-        if (movie == nullptr || movie->atomType() != "moov"_os) continue;
+        if (movie == nullptr) continue;
         ByteWriter freeHeader;
         freeHeader.u32(static_cast<std::uint32_t>(movie->originalSize()));
         freeHeader.u32("free"_os);
-        file->writeAt(movie->offsetInFile(), freeHeader.view(), unchecked);
+        writes.push_back({movie->offsetInFile(), freeHeader.release()});
     }
-
     const VexQTAtom* media = lastMediaData(rootAtoms_);
     const std::uint64_t end = media != nullptr ? media->offsetInFile() + media->atomSize() : 0;
-    if (newMovie.size() > 8 && end != 0) file->writeAt(end, newMovie, unchecked);
-    return true;
+    if (newMovie.size() > 8 && end != 0) writes.push_back({end, std::move(newMovie)});
+    return writes;
 }
 
 bool VexQTAsset::writeToURL(const std::filesystem::path& url, std::error_code& error) {

@@ -4,10 +4,10 @@
 #include <system_error>
 
 #include "vexqt/atoms/structure/VexQTmoovAtom.h"
+#include "vexqt/platform/files.h"
 
 namespace vexqt {
 
-class File;
 class MovieSource;
 class VexQTAtomViewController;
 enum class ReaderKind;
@@ -66,6 +66,20 @@ public:
     /// Follows keys parted by points from a root atom to a property.
     Value valueForKeyPath(std::string_view keyPath) const;
 
+    // What careful saving needs.
+
+    /// Which file it was, and in which state, when the movie was read from it; absent for a movie
+    /// that was not.
+    const std::optional<FileIdentity>& fileIdentity() const { return fileIdentity_; }
+    /// Where the root atoms lay that were read, whatever has become of the list since.
+    const std::vector<Extent>& extentsAsRead() const { return extentsAsRead_; }
+    /// What writing in place writes, in this order; later writes may cover earlier ones.
+    struct InPlaceWrite {
+        std::uint64_t offset = 0;
+        Bytes bytes;
+    };
+    std::vector<InPlaceWrite> inPlaceWrites();
+
     /// Serialises the movie, turns the old one into free space where it lies, and writes the new
     /// one behind the last media data, in the file that the asset was read from.
     ///
@@ -95,6 +109,8 @@ private:
     std::vector<std::unique_ptr<VexQTAtom>> rootAtoms_;
     std::vector<Problem> problems_;
     std::optional<std::filesystem::path> assetURL_;
+    std::optional<FileIdentity> fileIdentity_;
+    std::vector<Extent> extentsAsRead_;
     bool isValid_ = false;
 };
 

@@ -26,16 +26,20 @@ SharedBytes ChildMaker::take(std::uint64_t size, std::uint64_t offsetInFile) {
         return in_.takeShared(size);
     }
     if (size > in_.remaining()) {
-        context.addProblem(offsetInFile, "declares " + std::to_string(size) + " bytes, " +
-                                             std::to_string(in_.remaining()) +
-                                             " there - kept to the end of what holds it");
+        context.addProblem(offsetInFile,
+                           "declares " + std::to_string(size) + " bytes, " +
+                               std::to_string(in_.remaining()) +
+                               " there - kept to the end of what holds it",
+                           true);
         return in_.restShared();
     }
     if (size < kHeaderLength) {
         // Nothing tells where the next child begins.
-        context.addProblem(offsetInFile, "a size of " + std::to_string(size) +
-                                             " is shorter than a header - kept as raw data to "
-                                             "the end of what holds it");
+        context.addProblem(offsetInFile,
+                           "a size of " + std::to_string(size) +
+                               " is shorter than a header - kept as raw data to "
+                               "the end of what holds it",
+                           true);
         return in_.restShared();
     }
     return in_.takeShared(size);

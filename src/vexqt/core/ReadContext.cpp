@@ -9,7 +9,7 @@ namespace vexqt {
 
 static constexpr std::size_t kMostProblems = 1000;
 
-void ReadContext::addProblem(std::uint64_t offsetInFile, std::string message) {
+void ReadContext::addProblem(std::uint64_t offsetInFile, std::string message, bool isStructural) {
     if (problems_->size() > kMostProblems) return;
     if (problems_->size() == kMostProblems) message = "further problems are not listed";
     std::string path;
@@ -17,7 +17,7 @@ void ReadContext::addProblem(std::uint64_t offsetInFile, std::string message) {
         if (!path.empty()) path += '.';
         path += step->segment();
     }
-    problems_->push_back({std::move(path), offsetInFile, std::move(message)});
+    problems_->push_back({std::move(path), offsetInFile, std::move(message), isStructural});
 }
 
 void ReadContext::renameInnermost(OSType type) {

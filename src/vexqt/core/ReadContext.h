@@ -18,8 +18,14 @@ struct Problem {
     std::string path;  ///< The atom, from the roots: "moov.trak[1].mdia.mdhd".
     std::uint64_t offsetInFile = 0;
     std::string message;
+    /// Whether sizes contradict each other or bytes are missing, rather than a class declining what
+    /// is whole.
+    bool isStructural = false;
 
-    friend bool operator==(const Problem&, const Problem&) = default;
+    friend bool operator==(const Problem& left, const Problem& right) {
+        return left.path == right.path && left.offsetInFile == right.offsetInFile &&
+               left.message == right.message;
+    }
 };
 
 /// Where the parts of one atom lie in its bytes, counted from the first of them, as its class reads
@@ -54,7 +60,7 @@ public:
     bool isTolerant() const { return problems_ != nullptr; }
     /// Adds a problem of the atom that is being read; only when tolerant. A file that is nothing
     /// but problems does not fill the memory with them: the list ends after a thousand and says so.
-    void addProblem(std::uint64_t offsetInFile, std::string message);
+    void addProblem(std::uint64_t offsetInFile, std::string message, bool isStructural = false);
 
     /// Null unless this is a survey.
     Survey* survey() const { return survey_; }

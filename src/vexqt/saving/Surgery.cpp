@@ -6,13 +6,6 @@ namespace vexqt {
 
 // MARK: One row
 
-std::optional<Bytes> encodedRow(const Field& row, const Record& record) {
-    if (row.encode == nullptr || !isPresent(row, record)) return std::nullopt;
-    ByteWriter out;
-    row.encode(record, out);
-    return out.release();
-}
-
 namespace {
 
 /// The widths of the values that repeat in a row's bytes; none where they are one value.
@@ -90,24 +83,6 @@ Bytes mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now)
 
 // MARK: One atom
 
-/// The atom as it was read, without its children, and where its parts lie.
-struct Surgery::AsRead {
-    explicit AsRead(const VexQTAtom& atom) : bytes(atom.origin()) {
-        std::vector<Problem> ignored;
-        ReadContext context(survey, ignored);
-        record =
-            VexQTAtom::make(atom.atomClass(), bytes, atom.parent(), atom.offsetInFile(), context);
-    }
-
-    SharedBytes part(std::size_t start, std::size_t end) const {
-        return bytes.part(start, end - start);
-    }
-
-    SharedBytes bytes;
-    Survey survey;
-    std::unique_ptr<VexQTAtom> record;
-};
-
 namespace {
 
 OSType writtenType(const VexQTAtom& atom) {
@@ -163,7 +138,7 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
         out.append(isEdited ? SharedBytes::copyOf(now) : atom.origin());
         return out;
     }
-    const AsRead read(atom);
+    const AtomAsRead read(atom);
     const bool hasHeader = atom.atomClass().header != HeaderRule::None;
     const std::size_t headerEnd = hasHeader ? read.survey.rows.front().start : 0;
     std::size_t position = headerEnd;
@@ -216,7 +191,7 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
     return out;
 }
 
-void Surgery::appendRow(const Field& row, const Survey::Part& part, const AsRead& read,
+void Surgery::appendRow(const Field& row, const Survey::Part& part, const AtomAsRead& read,
                         VexQTAtom& atom, ByteRope& out) {
     const SharedBytes bytes = read.part(part.start, part.end);
     if (row.untouched != nullptr && row.untouched(atom)) return out.append(bytes);
@@ -234,7 +209,7 @@ void Surgery::appendRow(const Field& row, const Survey::Part& part, const AsRead
     if (now) out.append(mergedRow(row, bytes.view(), wouldBe.value_or(Bytes()), *now));
 }
 
-void Surgery::appendChildren(const Survey::Part& region, const AsRead& read, VexQTAtom& atom,
+void Surgery::appendChildren(const Survey::Part& region, const AtomAsRead& read, VexQTAtom& atom,
                              ByteRope& out) {
     const auto& parts = read.survey.children;
     std::vector<std::size_t> starts;

@@ -7,7 +7,7 @@
 // child is made of stays as well: dropped children, a last bare header, bytes behind the end.
 #pragma once
 
-#include "vexqt/core/VexQTAtom.h"
+#include "vexqt/saving/AtomRows.h"
 #include "vexqt/saving/ByteRope.h"
 
 namespace vexqt {
@@ -29,19 +29,14 @@ public:
     const std::vector<Edit>& edits() const { return edits_; }
 
 private:
-    struct AsRead;
-
     ByteRope writtenAsRead(VexQTAtom& atom);
-    void appendRow(const Field& row, const Survey::Part& part, const AsRead& read, VexQTAtom& atom,
-                   ByteRope& out);
-    void appendChildren(const Survey::Part& region, const AsRead& read, VexQTAtom& atom,
+    void appendRow(const Field& row, const Survey::Part& part, const AtomAsRead& read,
+                   VexQTAtom& atom, ByteRope& out);
+    void appendChildren(const Survey::Part& region, const AtomAsRead& read, VexQTAtom& atom,
                         ByteRope& out);
 
     std::vector<Edit> edits_;
 };
-
-/// What a row's class writes for a record; absent where it cannot, or the row is not in the file.
-std::optional<Bytes> encodedRow(const Field& row, const Record& record);
 
 /// The bytes of a row that was edited: those that were read, but for the values that differ between
 /// what would be written of them and what would be written now.

@@ -1,0 +1,27 @@
+// An atom beside itself as it was read.
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// An atom as it was read, without its children, and where its parts lie in its bytes.
+struct AtomAsRead {
+    explicit AtomAsRead(const VexQTAtom& atom);
+
+    SharedBytes part(std::size_t start, std::size_t end) const {
+        return bytes.part(start, end - start);
+    }
+
+    SharedBytes bytes;
+    Survey survey;
+    std::unique_ptr<VexQTAtom> record;
+};
+
+/// What a row's class writes for a record; absent where the row is not in the file.
+std::optional<Bytes> encodedRow(const Field& row, const Record& record);
+
+/// The name of a row for people: its own, or that of the property whose bytes it holds.
+std::string_view nameOfRow(const AtomClass& cls, const Field& row);
+
+}  // namespace vexqt

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <vector>
+
+#include "vexqt/asset/VexQTAsset.h"
+#include "vexqt/saving/FileChange.h"
+#include "vexqt/saving/FileLayout.h"
+#include "vexqt/saving/Finding.h"
+
+namespace vexqt {
+
+/// Which bytes a save writes.
+enum class SaveForm {
+    Surgical,  ///< What was edited, and as little else as can be.
+    Exact  ///< What the classes' own rules give, as VexQTAsset::writeInPlaceWithError leaves it.
+};
+
+/// What a save will do to a file, found out without writing anything.
+class SavePlan {
+public:
+    /// How the new movie gets its place, from the gentlest way on.
+    enum class Way {
+        Nothing,     ///< Nobody edited anything.
+        Patch,       ///< It is as long as the old one: only bytes that differ are written.
+        InOldPlace,  ///< It begins where the old one did, or in the free space in front of it.
+        Move         ///< It is written behind everything else, and the old one becomes free space.
+    };
+
+    /// Plans to save an asset into a file that holds what the asset was read from: its own file or
+    /// a copy of it.
+    /// \throws EncodingError where an edit has no form in the file, and Error when the file cannot
+    /// be read.
+    static SavePlan of(VexQTAsset& asset, File& file, SaveForm form);
+
+    Way way() const { return way_; }
+    SaveForm form() const { return form_; }
+    /// The ranges to write, with their new bytes.
+    const FileChange& change() const { return change_; }
+    /// Everything worth knowing beforehand, edits included.
+    const std::vector<Finding>& findings() const { return findings_; }
+    bool has(Severity severity) const;
+
+    /// Where the top-level atoms lie now.
+    const FileLayout& layout() const { return layout_; }
+    /// The atoms whose bytes will be others, and where each of them will lie. Its bytes are held by
+    /// the plan.
+    struct NewAtom {
+        const VexQTAtom* atom = nullptr;
+        std::uint64_t offset = 0;  ///< Of the first header byte.
+        SharedBytes bytes;         ///< Header included.
+    };
+    const std::vector<NewAtom>& newAtoms() const { return newAtoms_; }
+
+private:
+    explicit SavePlan(SaveForm form) : form_(form) {}
+    class Surgical;
+    class Exact;
+
+    void add(std::string_view id, Severity severity, std::optional<ByteRange> range,
+             std::string message, std::string path = {});
+    void checkSource(const VexQTAsset& asset, File& file);
+    void write(std::uint64_t offset, const SharedBytes& bytes);
+    void finishChange();
+
+    SaveForm form_;
+    Way way_ = Way::Nothing;
+    FileLayout layout_;
+    FileChange change_;
+    std::vector<Finding> findings_;
+    std::vector<NewAtom> newAtoms_;
+};
+
+/// "nothing", "patch", "in the old place", "move".
+std::string_view textOf(SavePlan::Way way);
+
+}  // namespace vexqt
