@@ -190,7 +190,7 @@ protected:
     /// Keeps what follows an offset in the bytes read as the raw remainder.
     void keepUnknownDataFrom(std::size_t offset) { unknownFrom_ = offset; }
     void dropUnknownData() { unknownFrom_ = kAbsent; }
-    /// A row that reads everything that is left as the raw remainder, and writes it back.
+    // For the row of a raw remainder: everything that is left.
     void keepRest(AtomReader& in);
     void appendRest(ByteWriter& out) const;
 
