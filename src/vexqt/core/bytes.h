@@ -33,6 +33,19 @@ constexpr T fromBigEndian(T value) {
     return static_cast<T>(swapped);
 }
 
+/// The number in the first bytes from an address on. The caller has checked that they are there.
+template <std::integral T>
+T loadBigEndian(const std::uint8_t* from) {
+    T value = 0;
+    std::memcpy(&value, from, sizeof(T));
+    return fromBigEndian(value);
+}
+template <std::integral T>
+void storeBigEndian(std::uint8_t* to, T value) {
+    value = fromBigEndian(value);
+    std::memcpy(to, &value, sizeof(T));
+}
+
 /// Part of a block of bytes that all its parts keep alive together.
 ///
 /// A movie atom is read into one block. Its atoms hold parts of it, never copies.
@@ -131,9 +144,7 @@ protected:
 private:
     template <std::unsigned_integral T>
     T big() {
-        T value = 0;
-        std::memcpy(&value, take(sizeof(T)).data(), sizeof(T));
-        return fromBigEndian(value);
+        return loadBigEndian<T>(take(sizeof(T)).data());
     }
 
     ByteView bytes_;
@@ -148,11 +159,16 @@ public:
     void u64(std::uint64_t value) { big(value); }
     void zeros(std::size_t count) { bytes_.insert(bytes_.end(), count, 0); }
     void append(ByteView bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
+    /// The next bytes, for the caller to overwrite. They are zero, and to make them so costs: ask
+    /// for a few thousand at a time, and the zeros never leave the processor's cache.
+    std::span<std::uint8_t> grow(std::size_t count) {
+        bytes_.resize(bytes_.size() + count);
+        return std::span(bytes_).last(count);
+    }
 
     /// Overwrites four bytes that have been written already.
     void patchU32(std::size_t position, std::uint32_t value) {
-        const std::uint32_t big = fromBigEndian(value);
-        std::memcpy(std::span(bytes_).subspan(position, sizeof(big)).data(), &big, sizeof(big));
+        storeBigEndian(std::span(bytes_).subspan(position, sizeof(value)).data(), value);
     }
     /// Puts bytes in front of what was written from a position on.
     void insert(std::size_t position, ByteView bytes) {
@@ -169,8 +185,7 @@ private:
     template <std::unsigned_integral T>
     void big(T value) {
         std::array<std::uint8_t, sizeof(T)> bytes;
-        value = fromBigEndian(value);
-        std::memcpy(bytes.data(), &value, sizeof(T));
+        storeBigEndian(bytes.data(), value);
         append(bytes);
     }
 

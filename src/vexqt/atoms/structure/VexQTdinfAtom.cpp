@@ -1,6 +1,12 @@
 #include "vexqt/atoms/structure/VexQTdinfAtom.h"
 
+#include "vexqt/atoms/sampletables/VexQTdrefAtom.h"
+
 namespace vexqt {
+
+static constexpr ChildRule kChildren[] = {
+    {.cls = &VexQTdrefAtom::kClass},
+};
 
 constinit const AtomClass VexQTdinfAtom::kClass = {
     .type = "dinf"_os,
@@ -10,6 +16,7 @@ constinit const AtomClass VexQTdinfAtom::kClass = {
     .writtenHeader = WrittenHeader::AsHeld,
     .typeRule = TypeRule::Restored,
     .fields = kOnlyChildAtoms,
+    .children = kChildren,
     .create = create<VexQTdinfAtom>,
 };
 

@@ -1,6 +1,12 @@
 #include "vexqt/atoms/structure/VexQTedtsAtom.h"
 
+#include "vexqt/atoms/sampletables/VexQTelstAtom.h"
+
 namespace vexqt {
+
+static constexpr ChildRule kChildren[] = {
+    {.cls = &VexQTelstAtom::kClass},
+};
 
 constinit const AtomClass VexQTedtsAtom::kClass = {
     .type = "edts"_os,
@@ -10,6 +16,7 @@ constinit const AtomClass VexQTedtsAtom::kClass = {
     .writtenHeader = WrittenHeader::AsHeld,
     .typeRule = TypeRule::Restored,
     .fields = kOnlyChildAtoms,
+    .children = kChildren,
     .create = create<VexQTedtsAtom>,
 };
 

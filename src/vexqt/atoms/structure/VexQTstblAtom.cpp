@@ -2,12 +2,23 @@
 
 #include "vexqt/atoms/headers/VexQTcslgAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
+#include "vexqt/atoms/sampletables/VexQTco64Atom.h"
+#include "vexqt/atoms/sampletables/VexQTcttsAtom.h"
+#include "vexqt/atoms/sampletables/VexQTstcoAtom.h"
+#include "vexqt/atoms/sampletables/VexQTstpsAtom.h"
+#include "vexqt/atoms/sampletables/VexQTstscAtom.h"
+#include "vexqt/atoms/sampletables/VexQTstssAtom.h"
+#include "vexqt/atoms/sampletables/VexQTstszAtom.h"
+#include "vexqt/atoms/sampletables/VexQTsttsAtom.h"
 
 namespace vexqt {
 
 static constexpr ChildRule kChildren[] = {
-    {.cls = &VexQTstsdAtom::kClass},
-    {.cls = &VexQTcslgAtom::kClass},
+    {.cls = &VexQTstsdAtom::kClass}, {.cls = &VexQTsttsAtom::kClass},
+    {.cls = &VexQTcttsAtom::kClass}, {.cls = &VexQTcslgAtom::kClass},
+    {.cls = &VexQTstssAtom::kClass}, {.cls = &VexQTstpsAtom::kClass},
+    {.cls = &VexQTstscAtom::kClass}, {.cls = &VexQTstszAtom::kClass},
+    {.cls = &VexQTstcoAtom::kClass}, {.cls = &VexQTco64Atom::kClass},
 };
 
 constinit const AtomClass VexQTstblAtom::kClass = {
