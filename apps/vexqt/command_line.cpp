@@ -1,0 +1,417 @@
+#include "apps/vexqt/command_line.h"
+
+#include <CLI/CLI.hpp>
+
+#include "apps/vexqt/commands.h"
+#include "apps/vexqt/movies.h"
+
+namespace vexqt::cli {
+
+namespace {
+
+// MARK: The commands
+
+/// What stands behind FILE.
+struct Operands {
+    std::string_view name;  ///< "PATH.KEY=VALUE"; empty where nothing does.
+    std::string_view about;
+    std::size_t least = 0;
+    std::size_t most = 0;
+};
+
+enum class Files { One, Several };
+enum class Saves { No, Edited };
+
+struct CommandDescription {
+    std::string_view name;
+    std::string_view does;
+    std::string_view examples;
+    Files files;
+    Operands operands;
+    Saves saves;
+    Command* run;
+    /// Adds what no other command has.
+    void (*addOptions)(CLI::App& app, Arguments& arguments);
+};
+
+constexpr std::size_t kAny = std::numeric_limits<std::uint16_t>::max();
+
+void noOptions(CLI::App&, Arguments&) {}
+
+void addEveryRow(CLI::App& app, Arguments& arguments) {
+    app.add_flag("--all", arguments.everyRow, "every row of tables, every byte, every letter");
+    app.add_flag("-r,--recursive", arguments.recursive, "also all the atoms below");
+}
+
+constexpr CommandDescription kCommands[] = {
+    {.name = "outline",
+     .does = "prints the tree of atoms, one a line",
+     .examples = "  vexqt outline clip.mov\n"
+                 "  curl -s https://example.com/clip.mov | vexqt outline -\n",
+     .files = Files::Several,
+     .operands = {},
+     .saves = Saves::No,
+     .run = outline,
+     .addOptions = noOptions},
+    {.name = "json",
+     .does = "prints the whole decoded tree as JSON, one document a file",
+     .examples = "  vexqt json clip.mov\n"
+                 "  vexqt json --lines *.mov | jq -r 'select(.isValid | not) | .file'\n",
+     .files = Files::Several,
+     .operands = {},
+     .saves = Saves::No,
+     .run = json,
+     .addOptions =
+         [](CLI::App& app, Arguments& arguments) {
+             app.add_flag("--lines", arguments.onLines, "each document on one line");
+         }},
+    {.name = "show",
+     .does = "prints an atom for people, or the movie's contents",
+     .examples = "  vexqt show clip.mov\n"
+                 "  vexqt show clip.mov 'moov.trak[vide].tkhd'\n"
+                 "  vexqt show clip.mov 'moov.trak[soun].mdia.minf.stbl.stts' --all\n",
+     .files = Files::One,
+     .operands = {"PATH", "the atom; without it, what is in the file", 0, 1},
+     .saves = Saves::No,
+     .run = show,
+     .addOptions = addEveryRow},
+    {.name = "get",
+     .does = "prints one value",
+     .examples = "  vexqt get clip.mov moov.mvhd.timeScale\n"
+                 "  vexqt get clip.mov 'ftyp.compatibleBrands[0]'\n"
+                 "  vexqt get clip.mov 'moov.trak.mdia.minf.stbl.stts.sampleDurations[0]"
+                 ".sampleCount'\n",
+     .files = Files::One,
+     .operands = {"PATH.KEY", "the value", 1, 1},
+     .saves = Saves::No,
+     .run = get,
+     .addOptions = noOptions},
+    {.name = "set",
+     .does = "sets values, then saves",
+     .examples =
+         "  vexqt set clip.mov moov.mvhd.creationDateTime=2024-05-01T12:00:00Z -o fixed.mov\n"
+         "  vexqt set clip.mov 'moov.trak[1].tkhd.layer=-1' 'moov.trak[1].tkhd.volume=0.5' "
+         "--in-place\n"
+         "  vexqt set clip.mov moov.trak.tkhd.matrix='0 1 0 -1 0 0 1080 0 1' --in-place\n",
+     .files = Files::One,
+     .operands = {"PATH.KEY=VALUE",
+                  "a value to set: numbers decimal or 0x…, codes as four characters, dates as "
+                  "2001-01-31T12:00:00Z, bytes as hexadecimal digits or @FILE, or as `get` prints "
+                  "them",
+                  0, kAny},
+     .saves = Saves::Edited,
+     .run = set,
+     .addOptions =
+         [](CLI::App& app, Arguments& arguments) {
+             app.add_option("--absent", arguments.absent, "makes a value absent (repeatable)")
+                 ->type_name("PATH.KEY")
+                 ->allow_extra_args(false);
+         }},
+    {.name = "remove",
+     .does = "removes atoms, then saves",
+     .examples = "  vexqt remove clip.mov moov.udta -o anonymous.mov\n"
+                 "  vexqt remove clip.mov 'moov.trak[tmcd]' 'moov.trak[tmcd:1]' --in-place\n",
+     .files = Files::One,
+     .operands = {"PATH", "an atom to remove", 1, kAny},
+     .saves = Saves::Edited,
+     .run = remove,
+     .addOptions = noOptions},
+    {.name = "insert",
+     .does = "adds an atom from a file to a container, then saves",
+     .examples = "  vexqt data donor.mov moov.udta -o udta.bin\n"
+                 "  vexqt insert clip.mov moov udta.bin --after trak -o annotated.mov\n",
+     .files = Files::One,
+     .operands = {"PATH ATOMFILE", "the container, and the file with the atom's bytes", 2, 2},
+     .saves = Saves::Edited,
+     .run = insert,
+     .addOptions =
+         [](CLI::App& app, Arguments& arguments) {
+             app.add_option("--after", arguments.after,
+                            "behind the first atom of that type; at the end without one")
+                 ->type_name("TYPE");
+         }},
+    {.name = "insert-rows",
+     .does = "adds rows to a table, then saves",
+     .examples =
+         "  vexqt insert-rows clip.mov moov.trak.edts.elst.editListEntries --in-place\n"
+         "  vexqt insert-rows clip.mov 'moov.trak.mdia.minf.stbl.stts.sampleDurations[0]' 2 "
+         "sampleCount=1 sampleDuration=512 -o out.mov\n"
+         "  vexqt insert-rows clip.mov 'moov.trak.mdia.minf.stbl.stss.syncSamples[0]' =1 "
+         "--in-place\n",
+     .files = Files::One,
+     .operands = {"PATH.LIST[ROW] [COUNT] [COLUMN=VALUE…]",
+                  "the row in front of which they are added, at the end without [ROW]; how many, "
+                  "1 without COUNT; and what is in them (=VALUE for plain numbers)",
+                  1, kAny},
+     .saves = Saves::Edited,
+     .run = insertRows,
+     .addOptions = noOptions},
+    {.name = "remove-rows",
+     .does = "removes rows of a table, then saves",
+     .examples = "  vexqt remove-rows clip.mov 'moov.trak.edts.elst.editListEntries[0]' "
+                 "--in-place\n",
+     .files = Files::One,
+     .operands = {"PATH.LIST[ROW] [COUNT]", "the first row, and how many, 1 without COUNT", 1, 2},
+     .saves = Saves::Edited,
+     .run = removeRows,
+     .addOptions = noOptions},
+    {.name = "data",
+     .does = "writes the bytes of an atom, or of all but media data and free space",
+     .examples = "  vexqt data clip.mov moov.udta -o udta.bin\n"
+                 "  vexqt data clip.mov moov.trak.tkhd | xxd\n",
+     .files = Files::One,
+     .operands = {"PATH", "the atom; without it, all of them", 0, 1},
+     .saves = Saves::No,
+     .run = data,
+     .addOptions =
+         [](CLI::App& app, Arguments& arguments) {
+             app.add_option("-o,--output", arguments.output, "the file to write")->type_name("OUT");
+         }},
+    {.name = "save",
+     .does = "rewrites the movie in place without an edit",
+     .examples = "  vexqt save clip.mov\n",
+     .files = Files::One,
+     .operands = {},
+     .saves = Saves::No,
+     .run = save,
+     .addOptions = noOptions},
+};
+
+const CommandDescription* commandNamed(std::string_view name) {
+    const auto* found = std::ranges::find(kCommands, name, &CommandDescription::name);
+    return found != std::end(kCommands) ? found : nullptr;
+}
+
+// MARK: Help
+
+constexpr std::string_view kVersion = "vexqt " VEXQT_VERSION "\n";
+
+constexpr std::string_view kOverview =
+    "Looks inside QuickTime movies and changes what is there.\n"
+    "\n"
+    "Examples:\n"
+    "  vexqt outline clip.mov                              every atom, one a line\n"
+    "  vexqt show clip.mov 'moov.trak[vide].tkhd'          one atom, for people\n"
+    "  vexqt get clip.mov moov.mvhd.timeScale              one value, for scripts\n"
+    "  vexqt json --lines *.mov | jq .                     everything, for programs\n"
+    "  vexqt set clip.mov moov.mvhd.timeScale=600 -o fixed.mov\n"
+    "  vexqt remove clip.mov moov.udta --in-place\n"
+    "\n"
+    "Usage: vexqt COMMAND [OPTION…] FILE…\n"
+    "\n"
+    "Commands (vexqt COMMAND --help tells more):\n";
+
+constexpr std::string_view kPathsAndStatus =
+    "\n"
+    "Paths walk from the top of the file by four-character codes: moov.trak is the first track,\n"
+    "trak[1] the second, trak[vide] the first with video, trak[soun:1] the second with sound. A\n"
+    "code with a point, a bracket or a byte outside of ASCII in it is written 0xA96E616D, or "
+    "©nam.\n"
+    "A key is a path and a property; rows are stts.sampleDurations[0].sampleCount.\n"
+    "\n"
+    "FILE may be - for standard input. What is wrong with a file is listed on standard error.\n"
+    "\n"
+    "Exit status: 0 done; 1 a file could not be read, decoded or written, or has no such atom or\n"
+    "property; 2 the command line is wrong, or a value does not fit.\n";
+
+std::string operandsUsage(const CommandDescription& command) {
+    const Operands& operands = command.operands;
+    if (operands.name.empty()) return "";
+    const std::string name(operands.name);
+    if (operands.least == 0 && operands.most == 1) return " [" + name + "]";
+    return " " + name + (operands.most == kAny && !name.ends_with(']') ? "…" : "");
+}
+
+/// Text broken into lines, each behind so many blanks.
+std::string wrapped(std::string_view text, std::size_t indent) {
+    static constexpr std::size_t kColumns = 90;
+    std::string out;
+    std::size_t column = indent;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find(' '), text.size());
+        if (column > indent && column + end + 1 > kColumns) {
+            out += '\n' + std::string(indent, ' ');
+            column = indent;
+        } else if (column > indent) {
+            out += ' ';
+            ++column;
+        }
+        out += text.substr(0, end);
+        column += end;
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return out;
+}
+
+std::string entry(std::string name, std::string_view about) {
+    static constexpr std::size_t kColumns = 22;
+    std::string line = "  " + name;
+    line += line.size() + 2 > kColumns ? "\n" + std::string(kColumns, ' ')
+                                       : std::string(kColumns - line.size(), ' ');
+    return line + wrapped(about, kColumns) + "\n";
+}
+
+std::string overview() {
+    std::string text(kOverview);
+    for (const CommandDescription& command : kCommands)
+        text += entry(std::string(command.name), command.does);
+    text += kPathsAndStatus;
+    text += "\nOptions:\n" + entry("-h, --help", "this text, or that of a command") +
+            entry("--version", "the version");
+    return text;
+}
+
+std::string helpOf(const CommandDescription& command, const CLI::App& app) {
+    std::string text = "vexqt " + std::string(command.name) + " " + std::string(command.does) +
+                       ".\n\nExamples:\n" + std::string(command.examples) + "\nUsage: vexqt " +
+                       std::string(command.name) + " [OPTION…] " +
+                       (command.files == Files::Several ? "FILE…" : "FILE") +
+                       operandsUsage(command) +
+                       (command.saves == Saves::Edited ? " (--in-place | -o OUT)" : "") + "\n\n";
+    text += entry("FILE", command.files == Files::Several ? "movies, or - for standard input"
+                                                          : "a movie, or - for standard input");
+    if (!command.operands.name.empty())
+        text += entry(std::string(command.operands.name), command.operands.about);
+    text += "\nOptions:\n";
+    for (const CLI::Option* option : app.get_options()) {
+        if (option->get_positional()) continue;
+        std::string name = option->get_name(false, true);
+        std::ranges::replace(name, ',', ' ');
+        if (option->get_expected_min() > 0) name += ' ' + option->get_type_name();
+        text += entry(name, option->get_description());
+    }
+    return text;
+}
+
+// MARK: Parsing
+
+struct Request {
+    Arguments arguments;
+    std::string color = "auto";
+    const CommandDescription* command = nullptr;
+};
+
+void addSharedOptions(CLI::App& app, Request& request) {
+    app.add_flag("--memory", request.arguments.inMemory,
+                 "reads the file into memory first, and the movie from there");
+    app.add_flag("--strict", request.arguments.strict,
+                 "ends at the first thing that is wrong, with exit status 1");
+    app.add_option("--color", request.color, "auto, always or never; NO_COLOR is respected")
+        ->type_name("WHEN")
+        ->check(CLI::IsMember({"auto", "always", "never"}));
+    app.set_help_flag("-h,--help", "this text");
+    app.set_version_flag("--version", std::string(kVersion))->description("the version");
+}
+
+void addCommand(CLI::App& app, const CommandDescription& command, Request& request) {
+    CLI::App& sub = *app.add_subcommand(std::string(command.name));
+    Arguments& arguments = request.arguments;
+    // Without extra arguments, because with them "[a]" would be taken for a list of one element.
+    sub.add_option("FILE", arguments.files)
+        ->required()
+        ->allow_extra_args(false)
+        ->expected(1, command.files == Files::Several ? int{kAny} : 1);
+    if (command.operands.most > 0) {
+        sub.add_option("OPERAND", arguments.operands)
+            ->allow_extra_args(false)
+            ->expected(1, static_cast<int>(command.operands.most));
+    }
+    if (command.saves == Saves::Edited) {
+        sub.add_flag("--in-place", arguments.inPlace, "changes the file itself");
+        sub.add_option("-o,--output", arguments.output, "changes a copy with this name")
+            ->type_name("OUT");
+    }
+    command.addOptions(sub, arguments);
+    addSharedOptions(sub, request);
+    sub.callback([&request, &command] { request.command = &command; });
+}
+
+/// Says what is wrong with a command line that CLI11 took; empty for nothing.
+std::string mistakeIn(const Request& request) {
+    const Arguments& arguments = request.arguments;
+    const CommandDescription& command = *request.command;
+    const std::string wanted = operandsUsage(command).erase(0, 1);
+    if (arguments.operands.size() < command.operands.least) return wanted + " is missing";
+    if (command.run == set && arguments.operands.empty() && arguments.absent.empty())
+        return wanted + " is missing";
+    if (command.saves == Saves::Edited && arguments.inPlace == arguments.output.has_value())
+        return "either --in-place or -o OUT is needed";
+    const bool changesFile = arguments.inPlace || command.run == save;
+    if (changesFile && arguments.file() == "-") return "standard input cannot be changed in place";
+    if (std::ranges::count(arguments.files, "-") > 1) return "standard input can be read only once";
+    return {};
+}
+
+bool hasColors(const Request& request, const Output& out) {
+    if (request.color != "auto") return request.color == "always";
+    const auto isSet = [](const char* name) {
+        const char* value = std::getenv(name);
+        return value != nullptr && *value != '\0';
+    };
+    const char* terminal = std::getenv("TERM");
+    const bool isDumb = terminal != nullptr && std::string_view(terminal) == "dumb";
+    return out.isTerminal() && !isSet("NO_COLOR") && !isDumb;
+}
+
+ExitStatus wrongUsage(Console& console, const std::string& what,
+                      const CommandDescription* command) {
+    const std::string name = command != nullptr ? std::string(command->name) : "";
+    console.complain((name.empty() ? "" : name + ": ") + what + " (vexqt " +
+                     (name.empty() ? "" : name + " ") + "--help tells more)");
+    return ExitStatus::WrongUsage;
+}
+
+ExitStatus parseAndRun(const std::vector<std::string>& words, Console& console) {
+    if (words.empty()) {
+        console.err.write(overview());
+        console.err.flush();
+        return ExitStatus::WrongUsage;
+    }
+    const CommandDescription* command = commandNamed(words.front());
+    if (command == nullptr && !words.front().starts_with('-'))
+        return wrongUsage(console, "no command '" + words.front() + "'", nullptr);
+
+    Request request;
+    CLI::App app;
+    app.require_subcommand(1);
+    app.set_help_flag("-h,--help");
+    app.set_version_flag("--version", std::string(kVersion));
+    for (const CommandDescription& each : kCommands) addCommand(app, each, request);
+    try {
+        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+    } catch (const CLI::CallForHelp&) {
+        console.out.write(command != nullptr ? helpOf(*command, *app.get_subcommand(words.front()))
+                                             : overview());
+        return ExitStatus::Done;
+    } catch (const CLI::CallForVersion&) {
+        console.out.write(kVersion);
+        return ExitStatus::Done;
+    } catch (const CLI::ParseError& error) {
+        std::string what = error.what();
+        std::ranges::replace(what, '\n', ' ');
+        return wrongUsage(console, what, command);
+    }
+    const std::string mistake = mistakeIn(request);
+    if (!mistake.empty()) return wrongUsage(console, mistake, request.command);
+    console.hasColors = hasColors(request, console.out);
+    return request.command->run(request.arguments, console);
+}
+
+}  // namespace
+
+int run(const std::vector<std::string>& arguments, Output& out, Output& err, int input) {
+    Console console = {.out = out, .err = err, .input = input};
+    try {
+        const ExitStatus status = parseAndRun(arguments, console);
+        out.flush();
+        return static_cast<int>(status);
+    } catch (const OutputClosed&) {
+        return static_cast<int>(ExitStatus::Done);
+    } catch (const OutputError& error) {
+        out.discard();
+        console.complain(error.what());
+        return static_cast<int>(ExitStatus::Failed);
+    }
+}
+
+}  // namespace vexqt::cli

@@ -1,0 +1,259 @@
+// The commands that change a movie.
+//
+// What a command is told is looked up in the movie before anything is changed, so that a path means
+// what it meant in the file, and so that a command which fails has changed nothing.
+#include "apps/vexqt/commands.h"
+#include "apps/vexqt/movies.h"
+#include "apps/vexqt/value_text.h"
+#include "vexqt/asset/AtomPath.h"
+
+#include <charconv>
+
+namespace vexqt::cli {
+
+namespace {
+
+/// Only the movie atom is written back.
+void requireInMovie(const VexQTAsset& asset, const VexQTAtom& atom, std::string_view path) {
+    const VexQTAtom* root = &atom;
+    while (root->parent() != nullptr) root = root->parent();
+    const VexQTAtom* written = nullptr;
+    for (const auto& candidate : asset.rootAtoms())
+        if (candidate->atomType() == "moov"_os) written = candidate.get();
+    if (root != written)
+        throw Failure(std::string(path) + ": only what is in the movie atom is saved" +
+                      (root->atomType() == "moov"_os ? ", in the last one of several" : ""));
+}
+
+// MARK: Values
+
+/// "PATH.KEY=VALUE"; an equals sign in brackets belongs to the path.
+struct Assignment {
+    std::string key, value;
+
+    explicit Assignment(const std::string& text) {
+        int depth = 0;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == '[') ++depth;
+            if (text[i] == ']') --depth;
+            if (text[i] != '=' || depth > 0) continue;
+            key = text.substr(0, i);
+            value = text.substr(i + 1);
+            return;
+        }
+        throw Failure("'" + text + "' is no assignment: KEY=VALUE", ExitStatus::WrongUsage);
+    }
+};
+
+/// What a text stands for; @FILE stands for the bytes of a file where bytes are wanted.
+Value parsed(const Field& field, const std::string& text, Console& console) {
+    if (field.kind == ValueKind::Data && text.starts_with('@'))
+        return readAll(text.substr(1), console);
+    return valueFromText(field, text);
+}
+
+/// A value that does not fit is a mistake in the command line.
+template <class Work>
+void assigning(const std::string& key, Work&& work) {
+    try {
+        work();
+    } catch (const ValueError& error) {
+        throw Failure(key + ": " + error.message(), ExitStatus::WrongUsage);
+    }
+}
+
+}  // namespace
+
+ExitStatus set(const Arguments& arguments, Console& console) {
+    struct Change {
+        std::string key;
+        PropertyPlace place;
+        Value value;
+    };
+    return edit(arguments, console, [&](VexQTAsset& asset) {
+        std::vector<Change> changes;
+        const auto add = [&](const std::string& key, const std::string* text) {
+            Change change = {
+                .key = key, .place = AtomPath(key).propertyIn(asset.rootAtoms()), .value = {}};
+            requireInMovie(asset, *change.place.atom, key);
+            assigning(key, [&] {
+                const Field& field = change.place.field();
+                if (!change.place.canBeSet())
+                    throw ValueError(change.place.isSingle()
+                                         ? "this cannot be set"
+                                         : "this is a table, whose cells are set one by one");
+                if (text != nullptr) {
+                    change.value = parsed(field, *text, console);
+                } else if (!field.isOptional) {
+                    throw ValueError("this cannot be absent");
+                }
+            });
+            changes.push_back(std::move(change));
+        };
+        for (const std::string& operand : arguments.operands) {
+            const Assignment assignment(operand);
+            add(assignment.key, &assignment.value);
+        }
+        for (const std::string& key : arguments.absent) add(key, nullptr);
+        for (const Change& change : changes)
+            assigning(change.key, [&] { change.place.setValue(change.value); });
+    });
+}
+
+// MARK: Atoms
+
+ExitStatus remove(const Arguments& arguments, Console& console) {
+    return edit(arguments, console, [&](VexQTAsset& asset) {
+        std::vector<VexQTAtom*> atoms;
+        for (const std::string& path : arguments.operands) {
+            VexQTAtom& atom = AtomPath(path).atomIn(asset.rootAtoms());
+            requireInMovie(asset, atom, path);
+            if (atom.parent() == nullptr)
+                throw Failure(path + ": the movie atom itself is not removed, only what is in it");
+            atoms.push_back(&atom);
+        }
+        // They are kept until all are out, as one may lie in another or be named twice.
+        std::vector<std::unique_ptr<VexQTAtom>> removed;
+        for (VexQTAtom* atom : atoms) removed.push_back(atom->parent()->removeChild(atom));
+    });
+}
+
+namespace {
+
+/// Whether children that are added will be written.
+bool holdsChildren(const VexQTAtom& atom) {
+    const bool isGeneric = &atom.atomClass() == &VexQTAtom::kClass;
+    return std::ranges::any_of(atom.atomClass().fields, &Field::holdsChildren) &&
+           !(isGeneric && atom.unknownBytes());
+}
+
+/// An atom that is written back byte for byte, whatever its type.
+std::unique_ptr<VexQTAtom> atomFrom(const std::string& file, VexQTAtom& container,
+                                    Console& console) {
+    const Bytes bytes = readAll(file, console);
+    if (bytes.size() < 8)
+        throw Failure(file + " holds no atom: " + std::to_string(bytes.size()) + " bytes");
+    ByteReader in(bytes);
+    std::uint64_t size = in.u32();
+    in.skip(4);
+    if (size == 1) {
+        if (in.remaining() < 8) throw Failure(file + " ends inside of the atom's header");
+        size = in.u64();
+    }
+    if (size != bytes.size())
+        throw Failure(file + " is not one atom: its size field says " + std::to_string(size) +
+                      ", the file has " + std::to_string(bytes.size()) + " bytes");
+    return VexQTAtom::initWithData(bytes, &container, 0);
+}
+
+}  // namespace
+
+ExitStatus insert(const Arguments& arguments, Console& console) {
+    const std::string& path = arguments.operands[0];
+    const std::string& atomFile = arguments.operands[1];
+    return edit(arguments, console, [&](VexQTAsset& asset) {
+        VexQTAtom& container = AtomPath(path).atomIn(asset.rootAtoms());
+        requireInMovie(asset, container, path);
+        if (!holdsChildren(container)) throw Failure(path + ": this atom holds no other atoms");
+        auto atom = atomFrom(atomFile, container, console);
+        if (!arguments.after) return container.addChild(std::move(atom));
+        const Field code = {.kind = ValueKind::Unsigned, .display = Display::Code};
+        OSType type = 0;
+        assigning("--after", [&] {
+            type = static_cast<OSType>(*integerFrom(valueFromText(code, *arguments.after)));
+        });
+        container.insertChild(std::move(atom), type);
+    });
+}
+
+// MARK: Rows
+
+namespace {
+
+constexpr std::size_t kMostRows = std::numeric_limits<std::uint32_t>::max();
+
+std::optional<std::size_t> countFrom(const std::vector<std::string>& operands) {
+    if (operands.size() < 2) return std::nullopt;
+    const std::string& text = operands[1];
+    std::size_t count = 0;
+    const char* end = text.data() + text.size();
+    const auto read = std::from_chars(text.data(), end, count);
+    if (read.ec != std::errc() || read.ptr != end) return std::nullopt;
+    return count;
+}
+
+/// The list that is named, and perhaps one of its rows.
+PropertyPlace tableNamed(const std::string& key, const VexQTAsset& asset, AtomPath::Rows rows) {
+    const PropertyPlace place = AtomPath(key).propertyIn(asset.rootAtoms(), rows);
+    requireInMovie(asset, *place.atom, key);
+    const bool isCell = place.column && !place.field().name.empty();
+    if (place.property->list == nullptr || isCell)
+        throw Failure(key + ": this is no table and no row of one", ExitStatus::WrongUsage);
+    return place;
+}
+
+/// Sets the columns of new rows; a list of plain numbers has one without a name.
+void fill(const PropertyPlace& place, std::size_t first, std::size_t count,
+          std::span<const std::string> assignments, Console& console) {
+    const std::span<const Field> columns = place.property->list->columns;
+    for (const std::string& text : assignments) {
+        const Assignment assignment(text);
+        const auto column = std::ranges::find(columns, assignment.key, &Field::name);
+        if (column == columns.end())
+            throw Failure(
+                "'" + assignment.key + "' is no column of " + std::string(place.property->name),
+                ExitStatus::WrongUsage);
+        PropertyPlace cell = place;
+        cell.column = static_cast<std::size_t>(column - columns.begin());
+        assigning(assignment.key, [&] {
+            const Value value = parsed(*column, assignment.value, console);
+            for (std::size_t row = first; row < first + count; ++row) {
+                cell.row = row;
+                cell.setValue(value);
+            }
+        });
+    }
+}
+
+}  // namespace
+
+ExitStatus insertRows(const Arguments& arguments, Console& console) {
+    const std::string& key = arguments.operands.front();
+    return edit(arguments, console, [&](VexQTAsset& asset) {
+        const PropertyPlace place = tableNamed(key, asset, AtomPath::Rows::ThereAndEnd);
+        const ListAccess& list = *place.property->list;
+        const std::size_t rows = list.size(*place.atom);
+        const auto given = countFrom(arguments.operands);
+        const std::size_t count = given.value_or(1);
+        if (rows > kMostRows || count > kMostRows - rows)
+            throw Failure(key + ": a table has at most " + std::to_string(kMostRows) + " rows",
+                          ExitStatus::WrongUsage);
+        const std::size_t first = place.row.value_or(rows);
+        list.insertRows(*place.atom, first, count);
+        fill(place, first, count, std::span(arguments.operands).subspan(given ? 2 : 1), console);
+    });
+}
+
+ExitStatus removeRows(const Arguments& arguments, Console& console) {
+    const std::string& key = arguments.operands.front();
+    return edit(arguments, console, [&](VexQTAsset& asset) {
+        const PropertyPlace place = tableNamed(key, asset, AtomPath::Rows::There);
+        const auto given = countFrom(arguments.operands);
+        if (!place.row || (arguments.operands.size() > 1 && !given))
+            throw Failure("remove-rows takes PATH.LIST[ROW] and a number of rows",
+                          ExitStatus::WrongUsage);
+        const ListAccess& list = *place.property->list;
+        const std::size_t rows = list.size(*place.atom);
+        const std::size_t count = given.value_or(1);
+        if (count > rows - *place.row)
+            throw Failure(key + ": there are " + std::to_string(rows) + " rows, so only " +
+                          std::to_string(rows - *place.row) + " from here on");
+        list.removeRows(*place.atom, *place.row, count);
+    });
+}
+
+ExitStatus save(const Arguments& arguments, Console& console) {
+    return edit(arguments, console, [](VexQTAsset&) {});
+}
+
+}  // namespace vexqt::cli

@@ -1,0 +1,281 @@
+#include "apps/vexqt/json_document.h"
+
+#include <charconv>
+
+namespace vexqt::cli {
+
+using Form = JsonWriter::Form;
+
+// MARK: Values
+
+namespace {
+
+/// The value's text where JSON has a text, so that it can go without quotes; absent for all else.
+std::optional<std::string> textOf(const Field& field, const Value& value) {
+    if (field.display == Display::Code)
+        if (const auto code = integerFrom(value)) return textFromCode(static_cast<OSType>(*code));
+    if (const auto* text = std::get_if<std::string>(&value)) return *text;
+    if (const auto* date = std::get_if<Date>(&value)) return textFromDate(*date);
+    return std::nullopt;
+}
+
+struct ValueWriter {
+    JsonWriter& json;
+
+    void operator()(bool value) const { json.boolean(value); }
+    void operator()(std::int64_t value) const { json.number(value); }
+    void operator()(std::uint64_t value) const { json.number(value); }
+    void operator()(double value) const { json.number(value); }
+    void operator()(float value) const { json.number(double{value}); }
+    void operator()(const Bytes& value) const { json.hex(value); }
+    void operator()(const Number& value) const { std::visit(*this, value.held()); }
+    void operator()(const Matrix& value) const {
+        json.beginArray(Form::Inline);
+        for (const double element : value) json.number(element);
+        json.endArray();
+    }
+    void operator()(const Color& value) const {
+        json.beginObject(Form::Inline);
+        const auto component = [this](std::string_view name, double part) {
+            json.key(name);
+            json.number(part);
+        };
+        if (value.isGrey()) {
+            component("white", value.white());
+        } else {
+            component("red", value.red());
+            component("green", value.green());
+            component("blue", value.blue());
+        }
+        component("alpha", value.alpha());
+        json.endObject();
+    }
+    /// Absent values, and references to atoms, which are in the tree anyway.
+    template <class Other>
+    void operator()(const Other&) const {
+        json.null();
+    }
+};
+
+}  // namespace
+
+void writeValue(JsonWriter& json, const Field& field, const Value& value) {
+    if (const auto text = textOf(field, value)) return json.text(*text);
+    std::visit(ValueWriter{json}, static_cast<const ValueVariant&>(value));
+}
+
+std::string bareText(const Field& field, const Value& value) {
+    if (const auto text = textOf(field, value)) return *text;
+    TextOutput out;
+    JsonWriter json(out, JsonWriter::Layout::Indented);
+    writeValue(json, field, value);
+    std::string written = out.text();
+    if (written.starts_with('"')) written = written.substr(1, written.size() - 2);
+    return written;
+}
+
+// MARK: Tables
+
+namespace {
+
+bool isPlainList(const ListAccess& list) {
+    return list.columns.size() == 1 && list.columns[0].name.empty();
+}
+
+/// Writes a table's rows a block at a time.
+///
+/// A movie has tables of ten million rows, and their numbers should cost little more than their
+/// digits. So whatever stands between two numbers is put together once, and a column of integers is
+/// fetched many rows at a time.
+class TableWriter {
+public:
+    TableWriter(JsonWriter& json, const Record& owner, const ListAccess& list)
+        : json_(json), owner_(owner), list_(list), count_(list.size(owner)) {
+        for (const Field& field : list.columns) {
+            Column column = {
+                .field = &field, .before = {}, .isFetched = isFetched(field), .numbers = {}};
+            if (!isPlainList(list)) {
+                column.before = columns_.empty() ? "{" : "," + std::string(json.blank());
+                column.before += jsonText(field.name) + ":" + std::string(json.blank());
+            }
+            if (column.isFetched) column.numbers.resize(std::min(count_, kBlock));
+            columns_.push_back(std::move(column));
+        }
+        end_ = isPlainList(list) ? "" : "}";
+    }
+
+    void write() {
+        const bool fitsOnLine = isPlainList(list_) && count_ <= kNumbersOnLine;
+        json_.beginArray(fitsOnLine ? Form::Inline : Form::Spread);
+        gap_ = json_.gap();
+        for (std::size_t first = 0; first < count_; first += kBlock)
+            writeBlock(first, std::min(kBlock, count_ - first));
+        if (count_ > 0) json_.noteElements();
+        json_.endArray();
+    }
+
+private:
+    struct Column {
+        const Field* field;
+        std::string before;  ///< What stands between the value before and this one.
+        bool isFetched;
+        std::vector<std::uint64_t> numbers;
+    };
+    static constexpr std::size_t kBlock = 2048;
+    static constexpr std::size_t kNumbersOnLine = 20;
+    static constexpr std::size_t kLongestInteger = 20;
+
+    bool isFetched(const Field& field) const {
+        return list_.integers != nullptr && field.display != Display::Code && !field.isOptional &&
+               (field.kind == ValueKind::Unsigned || field.kind == ValueKind::Signed);
+    }
+
+    void writeBlock(std::size_t first, std::size_t count) {
+        for (std::size_t i = 0; i < columns_.size(); ++i)
+            if (columns_[i].isFetched)
+                list_.integers(owner_, i, first, std::span(columns_[i].numbers).first(count));
+        for (std::size_t row = 0; row < count; ++row) {
+            writeGap(first + row);
+            for (std::size_t i = 0; i < columns_.size(); ++i) writeCell(i, first, row);
+            json_.output().write(end_);
+        }
+    }
+
+    /// Plain numbers share a line, entries have one each.
+    void writeGap(std::size_t row) {
+        Output& out = json_.output();
+        if (row > 0) out.write(",");
+        const bool beginsLine = !isPlainList(list_) || row % kNumbersOnLine == 0;
+        if (beginsLine && !gap_.empty()) {
+            out.write(gap_);
+        } else if (row > 0 && isPlainList(list_)) {
+            out.write(json_.blank());
+        }
+    }
+
+    void writeCell(std::size_t i, std::size_t first, std::size_t row) {
+        const Column& column = columns_[i];
+        Output& out = json_.output();
+        out.write(column.before);
+        if (column.isFetched) {
+            char* room = out.room(kLongestInteger);
+            const std::uint64_t number = column.numbers[row];
+            char* const limit = room + kLongestInteger;
+            out.advance(column.field->kind == ValueKind::Signed
+                            ? std::to_chars(room, limit, static_cast<std::int64_t>(number)).ptr
+                            : std::to_chars(room, limit, number).ptr);
+            return;
+        }
+        JsonWriter cell(out, JsonWriter::Layout::OneLine);
+        writeValue(cell, *column.field, list_.cell(owner_, first + row, i));
+    }
+
+    JsonWriter& json_;
+    const Record& owner_;
+    const ListAccess& list_;
+    std::size_t count_;
+    std::vector<Column> columns_;
+    std::string end_, gap_;
+};
+
+void writeProperty(JsonWriter& json, const VexQTAtom& atom, const Field& property) {
+    if (property.list != nullptr) return TableWriter(json, atom, *property.list).write();
+    writeValue(json, property, property.get != nullptr ? property.get(atom) : Value());
+}
+
+void writeRow(JsonWriter& json, const VexQTAtom& atom, const ListAccess& list, std::size_t row) {
+    json.beginObject(Form::Inline);
+    for (std::size_t i = 0; i < list.columns.size(); ++i) {
+        json.key(list.columns[i].name);
+        writeValue(json, list.columns[i], list.cell(atom, row, i));
+    }
+    json.endObject();
+}
+
+}  // namespace
+
+void writePlace(JsonWriter& json, const PropertyPlace& place) {
+    if (place.isSingle()) return writeValue(json, place.field(), place.value());
+    if (place.row) return writeRow(json, *place.atom, *place.property->list, *place.row);
+    writeProperty(json, *place.atom, *place.property);
+}
+
+// MARK: Atoms
+
+namespace {
+
+void writeText(JsonWriter& json, std::string_view key, std::string_view text) {
+    json.key(key);
+    json.text(text);
+}
+
+void writeNumber(JsonWriter& json, std::string_view key, std::uint64_t number) {
+    json.key(key);
+    json.number(number);
+}
+
+void writeProblems(JsonWriter& json, const std::vector<Problem>& problems) {
+    json.key("problems");
+    json.beginArray();
+    for (const Problem& problem : problems) {
+        json.beginObject(Form::Inline);
+        writeText(json, "path", problem.path);
+        writeNumber(json, "offset", problem.offsetInFile);
+        writeText(json, "message", problem.message);
+        json.endObject();
+    }
+    json.endArray();
+}
+
+}  // namespace
+
+void writeAtom(JsonWriter& json, const VexQTAtom& atom) {
+    json.beginObject();
+    writeText(json, "class", atom.atomClass().className);
+    writeText(json, "type", atom.atomTypeString());
+    writeText(json, "name", atom.atomName());
+    json.key("nibName");
+    const auto nibName = atom.atomNibName();
+    nibName ? json.text(*nibName) : json.null();
+    writeNumber(json, "size", atom.atomSize());
+    writeNumber(json, "offsetInFile", atom.offsetInFile());
+    writeNumber(json, "version", atom.version());
+    json.key("flags");
+    json.beginArray(Form::Inline);
+    for (const std::uint8_t flags : {atom.flags0(), atom.flags1(), atom.flags2()})
+        json.number(std::uint64_t{flags});
+    json.endArray();
+    json.key("unknownData");
+    const auto unknown = atom.unknownBytes();
+    unknown ? json.hex(*unknown) : json.null();
+
+    json.key("properties");
+    json.beginObject();
+    for (const Field* property : atom.properties()) {
+        json.key(property->name);
+        writeProperty(json, atom, *property);
+    }
+    json.endObject();
+    if (const auto declined = atom.declinedClass()) writeText(json, "declined", *declined);
+
+    json.key("children");
+    json.beginArray();
+    for (const auto& child : atom.children()) writeAtom(json, *child);
+    json.endArray();
+    json.endObject();
+}
+
+void writeDocument(JsonWriter& json, std::string_view file, const VexQTAsset& asset) {
+    json.beginObject();
+    writeText(json, "file", file);
+    json.key("isValid");
+    json.boolean(asset.valueForKey("isValid") == Value(true));
+    if (!asset.problems().empty()) writeProblems(json, asset.problems());
+    json.key("rootAtoms");
+    json.beginArray();
+    for (const auto& root : asset.rootAtoms()) writeAtom(json, *root);
+    json.endArray();
+    json.endObject();
+}
+
+}  // namespace vexqt::cli

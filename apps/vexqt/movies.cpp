@@ -1,0 +1,271 @@
+#include "apps/vexqt/movies.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <new>
+
+#include "apps/vexqt/printable.h"
+#include "vexqt/asset/AtomPath.h"
+#include "vexqt/platform/files.h"
+#include "vexqt/platform/log.h"
+
+namespace vexqt::cli {
+
+namespace fs = std::filesystem;
+
+// MARK: Saying what happened
+
+void Console::complain(std::string_view what) {
+    // What was printed before comes first also where both go to one terminal.
+    out.flush();
+    try {
+        err.write("vexqt: " + printable(what) + '\n');
+        err.flush();
+    } catch (const std::exception&) {
+        // Nobody can be told that nobody can be told.
+    }
+}
+
+void Console::complain(std::string_view file, std::string_view what) {
+    complain(std::string(file == "-" ? "standard input" : file) + ": " + std::string(what));
+}
+
+ExitStatus attempt(const std::string& file, Console& console, const std::function<void()>& work) {
+    try {
+        work();
+        return ExitStatus::Done;
+    } catch (const Failure& failure) {
+        console.complain(file, failure.what());
+        return failure.status();
+    } catch (const PathError& error) {
+        console.complain(file, error.what());
+        return error.reason() == PathError::Reason::Malformed ? ExitStatus::WrongUsage
+                                                              : ExitStatus::Failed;
+    } catch (const Error& error) {
+        console.complain(file, error.what());
+    } catch (const std::bad_alloc&) {
+        console.complain(file, "there is not enough memory");
+    }
+    return ExitStatus::Failed;
+}
+
+ExitStatus attemptEach(const Arguments& arguments, Console& console,
+                       const std::function<void(const std::string& file)>& work) {
+    ExitStatus status = ExitStatus::Done;
+    for (const std::string& file : arguments.files) {
+        const ExitStatus one = attempt(file, console, [&] { work(file); });
+        if (one != ExitStatus::Done) status = one;
+        if (one != ExitStatus::Done && arguments.strict) break;
+    }
+    return status;
+}
+
+namespace {
+
+/// Copies what the library logs to standard error, as long as it lives.
+class LogOnConsole {
+public:
+    LogOnConsole(const std::string& file, Console& console)
+        : before_(setLogSink([&](std::string_view line) { console.complain(file, line); })) {}
+    ~LogOnConsole() { setLogSink(std::move(before_)); }
+    LogOnConsole(const LogOnConsole&) = delete;
+    LogOnConsole& operator=(const LogOnConsole&) = delete;
+
+private:
+    LogSink before_;
+};
+
+void check(const std::error_code& error) {
+    if (error) throw Failure(error.message());
+}
+
+// MARK: Reading
+
+Bytes readDescriptor(int descriptor) {
+    static constexpr std::size_t kStep = 1024 * 1024;
+    Bytes bytes;
+    std::size_t used = 0;
+    while (true) {
+        if (bytes.size() < used + kStep) bytes.resize(std::max(used + kStep, 2 * used));
+        const ssize_t count = ::read(descriptor, bytes.data() + used, bytes.size() - used);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throw Failure(std::generic_category().message(errno));
+        if (count == 0) break;
+        used += static_cast<std::size_t>(count);
+    }
+    bytes.resize(used);
+    return bytes;
+}
+
+struct DescriptorOwner {
+    int descriptor;
+    ~DescriptorOwner() { ::close(descriptor); }
+};
+
+/// What a shell puts in the place of <(command).
+bool isPipe(const std::string& file) {
+    std::error_code ignored;
+    return fs::is_fifo(file, ignored);
+}
+
+bool isReadIntoMemory(const std::string& file, const Arguments& arguments) {
+    return file == "-" || arguments.inMemory || isPipe(file);
+}
+
+std::unique_ptr<VexQTAsset> openMovie(const fs::path& file, ReadOptions options) {
+    std::error_code error;
+    auto asset = VexQTAsset::initWithURL(file, error, options);
+    check(error);
+    return asset;
+}
+
+void listProblems(const std::string& file, const VexQTAsset& asset, Console& console) {
+    for (const Problem& problem : asset.problems()) {
+        const std::string path = problem.path.empty() ? "the file" : problem.path;
+        console.complain(
+            file, path + " at " + std::to_string(problem.offsetInFile) + ": " + problem.message);
+    }
+}
+
+}  // namespace
+
+Bytes readAll(const std::string& file, Console& console) {
+    if (file == "-") return readDescriptor(console.input);
+    if (isPipe(file)) {
+        const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+        if (descriptor < 0) throw Failure(std::generic_category().message(errno));
+        const DescriptorOwner owner{descriptor};
+        return readDescriptor(descriptor);
+    }
+    std::error_code error;
+    const auto open = systemFiles().openForReading(file, error);
+    check(error);
+    const std::uint64_t size = open->size(error);
+    check(error);
+    Bytes bytes(static_cast<std::size_t>(size));
+    bytes.resize(open->readAt(0, bytes, error));
+    check(error);
+    return bytes;
+}
+
+std::unique_ptr<VexQTAsset> readMovie(const std::string& file, const Arguments& arguments,
+                                      Console& console) {
+    const LogOnConsole logged(file, console);
+    const ReadOptions options = {.tolerant = !arguments.strict};
+    auto asset = isReadIntoMemory(file, arguments)
+                     ? VexQTAsset::initWithData(readAll(file, console), options)
+                     : openMovie(file, options);
+    listProblems(file, *asset, console);
+    return asset;
+}
+
+// MARK: Saving
+
+namespace {
+
+/// A file beside the one that it is to become, removed if it never does.
+class Draft {
+public:
+    explicit Draft(const std::string& file) : target_(file) {
+        std::error_code error;
+        const auto there = systemFiles().identityOf(target_, error);
+        check(error);
+        if (there) {
+            if (!there->isRegular) throw Failure("is no regular file");
+            target_ = systemFiles().resolve(target_, error);  // A link stays a link.
+            check(error);
+        }
+        path_ = target_.parent_path() /
+                ("." + target_.filename().string() + ".vexqt-" + std::to_string(::getpid()));
+    }
+    ~Draft() {
+        std::error_code ignored;
+        if (!isDone_) systemFiles().remove(path_, ignored);
+    }
+    Draft(const Draft&) = delete;
+    Draft& operator=(const Draft&) = delete;
+
+    const fs::path& path() const { return path_; }
+
+    void write(ByteView bytes) {
+        std::error_code error;
+        const auto file = systemFiles().create(path_, IfExists::Refuse, error);
+        check(error);
+        file->writeAt(0, bytes, error);
+        check(error);
+    }
+    void copy(const fs::path& from) {
+        std::error_code error;
+        systemFiles().copy(from, path_, {}, error);
+        check(error);
+    }
+    void finish() {
+        std::error_code error;
+        systemFiles().rename(path_, target_, error);
+        check(error);
+        isDone_ = true;
+    }
+
+private:
+    fs::path target_, path_;
+    bool isDone_ = false;
+};
+
+void saveInPlace(VexQTAsset& asset) {
+    std::error_code error;
+    if (!asset.writeInPlaceWithError(error)) throw Failure("cannot be saved: " + error.message());
+}
+
+}  // namespace
+
+void writeWhole(const std::string& file, ByteView bytes) {
+    Draft draft(file);
+    draft.write(bytes);
+    draft.finish();
+}
+
+ExitStatus edit(const Arguments& arguments, Console& console,
+                const std::function<void(VexQTAsset&)>& change) {
+    const std::string& file = arguments.file();
+    const ReadOptions options = {.tolerant = !arguments.strict};
+    const bool isFromMemory = isReadIntoMemory(file, arguments);
+    Bytes bytes;
+
+    // Only what was read from a file can be saved, and that into the same file. So a copy, or what
+    // was read into memory, is opened and changed once more.
+    const ExitStatus changed = attempt(file, console, [&] {
+        std::unique_ptr<VexQTAsset> asset;
+        {
+            const LogOnConsole logged(file, console);
+            if (isFromMemory) bytes = readAll(file, console);
+            asset =
+                isFromMemory ? VexQTAsset::initWithData(bytes, options) : openMovie(file, options);
+        }
+        listProblems(file, *asset, console);
+        change(*asset);
+        if (arguments.output) return;
+        if (isFromMemory) {
+            asset = openMovie(file, options);
+            change(*asset);
+        }
+        saveInPlace(*asset);
+    });
+    if (changed != ExitStatus::Done || !arguments.output) return changed;
+
+    return attempt(*arguments.output, console, [&] {
+        Draft draft(*arguments.output);
+        if (isFromMemory) {
+            draft.write(bytes);
+        } else {
+            draft.copy(file);
+        }
+        const auto copy = openMovie(draft.path(), options);
+        change(*copy);
+        saveInPlace(*copy);
+        draft.finish();
+    });
+}
+
+}  // namespace vexqt::cli

@@ -1,0 +1,78 @@
+// How people and scripts name an atom or a value in a movie: "moov.trak[vide].tkhd.duration".
+//
+// A path walks from the roots by four-character codes. A code stands for the first child of that
+// type; in brackets behind it stands which other one is meant: trak[1] the second one, trak[soun]
+// the first whose media type is 'soun', trak[soun:1] the second of those. A code that has no plain
+// form is written in hexadecimal, 0xA96E616D, and blanks at the end of one may be left out.
+//
+// A key is a path and the name of a property. Rows and cells of a list are named by
+// stts.sampleDurations[0].sampleCount or ftyp.compatibleBrands[2].
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// A text that is no path, or a path that names nothing in this movie. The message says which part
+/// of the path failed and what is there instead.
+class PathError : public Error {
+public:
+    enum class Reason { Malformed, NamesNothing };
+
+    PathError(Reason reason, const std::string& message) : Error(message), reason_(reason) {}
+    Reason reason() const { return reason_; }
+
+private:
+    Reason reason_;
+};
+
+/// A property of an atom or, where that is a list, one of its rows or cells.
+struct PropertyPlace {
+    VexQTAtom* atom = nullptr;
+    const Field* property = nullptr;
+    std::optional<std::size_t> row;     ///< Only of a list.
+    std::optional<std::size_t> column;  ///< Of a row; absent where the whole row is meant.
+
+    /// Describes the value: the cell's column or the property.
+    const Field& field() const { return column ? property->list->columns[*column] : *property; }
+    /// Whether there is one value: neither a list nor a row of several columns.
+    bool isSingle() const { return column || property->list == nullptr; }
+    /// Absent where there is no single value.
+    Value value() const;
+    bool canBeSet() const;
+    /// \throws ValueError where there is no single value, where it cannot be set, and for a value
+    /// of the wrong kind.
+    void setValue(const Value& value) const;
+};
+
+class AtomPath {
+public:
+    using Atoms = std::vector<std::unique_ptr<VexQTAtom>>;
+
+    /// \throws PathError for a text that is no path.
+    explicit AtomPath(std::string_view text);
+
+    /// \throws PathError where the path names no atom below these roots.
+    VexQTAtom& atomIn(const Atoms& roots) const;
+    /// Which rows a path may name: those that are there, or also the one behind the last, where
+    /// rows are inserted.
+    enum class Rows { There, ThereAndEnd };
+
+    /// The last part of the path names a property, or the last two a column.
+    /// \throws PathError where it names no property below these roots.
+    PropertyPlace propertyIn(const Atoms& roots, Rows rows = Rows::There) const;
+
+    /// The path of an atom, by ordinals alone; empty for one that is not below these roots.
+    static std::string of(const VexQTAtom& atom, const Atoms& roots);
+
+private:
+    struct Segment {
+        std::string name;
+        std::optional<std::string> selector;  ///< What stands in the brackets.
+    };
+    class Walk;
+
+    std::vector<Segment> segments_;
+};
+
+}  // namespace vexqt
