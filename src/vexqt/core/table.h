@@ -249,9 +249,7 @@ struct TableMember {
         table(owner).setBytes(in.takeShared(present * Its::width), form);
     }
 
-    static void encodeCount(const Record& owner, ByteWriter& out) {
-        out.u32(static_cast<std::uint32_t>(table(owner).size()));
-    }
+    static bool untouched(const Record& owner) { return table(owner).isAsRead(); }
     static void encode(const Record& owner, ByteWriter& out) {
         if constexpr (!Its::areVerbatim) {
             for (const Entry& entry : table(owner).rows()) Its::encode(entry, out);
@@ -346,7 +344,8 @@ constexpr Field table(std::string_view name) {
             .kind = ValueKind::List,
             .decode = Its::template decode<stop>,
             .encode = Its::encode,
-            .list = &Its::access};
+            .list = &Its::access,
+            .untouched = Its::untouched};
 }
 
 /// The count in front of a table. The one that is written is the table's length.

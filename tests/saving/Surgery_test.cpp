@@ -1,0 +1,275 @@
+// What surgical writing leaves of the bytes that were read. Every movie here has something that its
+// classes would write in another way.
+#include <gtest/gtest.h>
+
+#include "testing/bytes.h"
+#include "vexqt/atoms/headers/VexQTmvhdAtom.h"
+#include "vexqt/atoms/headers/VexQTtkhdAtom.h"
+#include "vexqt/atoms/sampletables/VexQTelstAtom.h"
+#include "vexqt/atoms/sampletables/VexQTsttsAtom.h"
+#include "vexqt/atoms/structure/VexQTmoovAtom.h"
+#include "vexqt/saving/Surgery.h"
+
+namespace vexqt {
+namespace {
+
+using namespace vexqt::testing;
+
+Bytes surgical(VexQTAtom& atom) {
+    Surgery surgery;
+    const SharedBytes bytes = surgery.written(atom).flat();
+    return {bytes.view().begin(), bytes.view().end()};
+}
+
+std::unique_ptr<VexQTmoovAtom> movieOf(std::initializer_list<ByteView> children) {
+    return VexQTmoovAtom::initWithData(atom("moov"_os, children), nullptr, 0);
+}
+
+/// A movie header with something in the reserved bytes and a matrix that turns by 180 degrees: its
+/// class drops the former and reads -1.0 as -2.0.
+const Bytes kHeader = atom(
+    "mvhd"_os, {u32(0),                                             // version, flags
+                u32(0x11111111),                                    // creation time
+                u32(0x22222222),                                    // modification time
+                u32(600),                                           // time scale
+                u32(1234),                                          // duration
+                u32(0xFFFF0000),                                    // rate: -1.0
+                u16(0x0180),                                        // volume
+                Bytes(10, 0xEE),                                    // reserved
+                u32(0xFFFF0000), u32(0),          u32(0),           // a b u
+                u32(0),          u32(0xFFFF0000), u32(0),           // c d v
+                u32(0x00500000), u32(0),          u32(0x40000000),  // x y w
+                u32(1),          u32(2),          u32(3),          u32(4), u32(5), u32(6), u32(7)});
+
+const Bytes kEdits =
+    atom("elst"_os, {u32(0x00000007),  // version, flags that are not read
+                     u32(2),           // number of entries
+                     u32(100), u32(0), u32(0xFFFF0000), u32(200), u32(50), u32(0xFFFF0000),
+                     text("tail")});  // bytes behind the last entry
+
+Bytes replaced(Bytes bytes, std::size_t offset, const Bytes& by) {
+    std::ranges::copy(by, bytes.begin() + static_cast<std::ptrdiff_t>(offset));
+    return bytes;
+}
+
+TEST(Surgery, UneditedAtomsComeBackWhateverTheirClassesWouldWrite) {
+    const struct {
+        std::string_view what;
+        Bytes bytes;
+    } kCases[] = {
+        {"reserved bytes and a matrix of -1.0", atom("moov"_os, {kHeader})},
+        {"flags that are not read",
+         atom("moov"_os, {atom("trak"_os, {atom("edts"_os, {kEdits})})})},
+        {"a profile", atom("moov"_os, {atom("trak"_os, {atom("prfl"_os, {u32(9)}),
+                                                        atom("abcd"_os, {u32(1)})})})},
+        {"a last child that is a bare header", atom("moov"_os, {kHeader, atom("free"_os)})},
+        {"bytes behind the last child", atom("moov"_os, {kHeader, text("\0\0\0\0")})},
+        {"a child with an extended size",
+         atom("moov"_os, {extendedAtomClaiming(20, "wide"_os, {u32(5)})})},
+        {"a container with an extended size",
+         atom("moov"_os, {extendedAtomClaiming(16 + 12, "trak"_os, {atom("wide"_os, {u32(5)})})})},
+        {"a child whose size reaches to the end",
+         atom("moov"_os, {atomClaiming(0, "wide"_os, {u32(5)})})},
+        {"a size field that tells less than there is", atomClaiming(12, "moov"_os, {kHeader})},
+    };
+    for (const auto& test : kCases) {
+        SCOPED_TRACE(test.what);
+        const auto movie = VexQTmoovAtom::initWithData(test.bytes, nullptr, 0);
+        Surgery surgery;
+        const ByteRope rope = surgery.written(*movie);
+        EXPECT_EQ(rope.flat().size(), test.bytes.size());
+        EXPECT_TRUE(std::ranges::equal(rope.flat().view(), test.bytes));
+        EXPECT_EQ(rope.parts().size(), 1u) << "it is one part of what was read, without a copy";
+        EXPECT_TRUE(surgery.edits().empty());
+    }
+}
+
+TEST(Surgery, AnEditedFieldChangesNoOtherByte) {
+    const auto movie = movieOf({kHeader});
+    movie->children()[0]->setValueForKey(90000, "timeScale");
+    EXPECT_EQ(surgical(*movie), replaced(atom("moov"_os, {kHeader}), 8 + 20, u32(90000)));
+}
+
+TEST(Surgery, AnEditedElementOfAMatrixLeavesTheOthersAsTheyWereRead) {
+    const auto movie = movieOf({kHeader});
+    movie->children()[0]->setMatrixXValue(81.0);
+    EXPECT_EQ(surgical(*movie), replaced(atom("moov"_os, {kHeader}), 8 + 68, u32(0x00510000)));
+}
+
+TEST(Surgery, SettingAValueToWhatItIsIsNoEdit) {
+    const auto movie = movieOf({kHeader});
+    auto& header = dynamic_cast<VexQTmvhdAtom&>(*movie->children()[0]);
+    header.setPreferredRate(header.preferredRate());
+    header.setMatrix(Matrix(header.matrix()));
+    header.setCreationDateTime(header.creationDateTime());
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {kHeader}));
+}
+
+TEST(Surgery, AnEditTakenBackGivesTheOriginal) {
+    const auto movie = movieOf({kHeader});
+    movie->children()[0]->setValueForKey(90000, "timeScale");
+    surgical(*movie);
+    movie->children()[0]->setValueForKey(600, "timeScale");
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {kHeader}));
+}
+
+TEST(Surgery, FlagsThatAreNotReadStayUntilSomebodySetsThem) {
+    const Bytes table = atom("stts"_os, {u32(0x00ABCDEF), u32(0)});
+    const auto stts = VexQTsttsAtom::initWithData(table, nullptr, 0);
+    EXPECT_EQ(surgical(*stts), table);
+    stts->setFlags1(0x55);
+    EXPECT_EQ(surgical(*stts), replaced(table, 10, u8(0x55)));
+}
+
+class EditList : public ::testing::Test {
+protected:
+    std::unique_ptr<VexQTelstAtom> elst = VexQTelstAtom::initWithData(kEdits, nullptr, 0);
+};
+
+TEST_F(EditList, AnEditedCellLeavesItsRowAndTheOthersAsTheyWereRead) {
+    elst->editListEntries()[1].setMediaTime(77);
+    EXPECT_EQ(surgical(*elst), replaced(kEdits, 16 + 12 + 4, u32(77)));
+}
+
+TEST_F(EditList, AnInsertedRowLeavesTheOthersAsTheyWereRead) {
+    elst->editListEntries().insert(elst->editListEntries().begin() + 1, VexQTEditListEntry());
+    EXPECT_EQ(surgical(*elst),
+              atom("elst"_os, {u32(0x00000007), u32(3), u32(100), u32(0), u32(0xFFFF0000),
+                               zeros(12), u32(200), u32(50), u32(0xFFFF0000), text("tail")}));
+}
+
+TEST_F(EditList, ARemovedRowLeavesTheOthersAsTheyWereRead) {
+    elst->editListEntries().erase(elst->editListEntries().begin());
+    EXPECT_EQ(surgical(*elst), atom("elst"_os, {u32(0x00000007), u32(1), u32(200), u32(50),
+                                                u32(0xFFFF0000), text("tail")}));
+}
+
+TEST(Surgery, ATableThatWasLookedAtIsNotEdited) {
+    const Bytes table = atom("stts"_os, {u32(1), u32(1), u32(5), u32(600), text("rest")});
+    const auto stts = VexQTsttsAtom::initWithData(table, nullptr, 0);
+    EXPECT_EQ(stts->sampleDurations().size(), 1u);
+    EXPECT_EQ(surgical(*stts), table);
+}
+
+// MARK: Children
+
+const Bytes kFirst = atom("aaaa"_os, {u32(1)});
+const Bytes kProfile = atom("prfl"_os, {u32(2)});
+const Bytes kSecond = atom("bbbb"_os, {u32(3), u32(4)});
+
+std::unique_ptr<VexQTmoovAtom> trackOf(std::initializer_list<ByteView> children) {
+    return movieOf({atom("trak"_os, children)});
+}
+
+TEST(SurgeryOfChildren, ARemovedChildShrinksItsAncestorsAndNothingElse) {
+    const auto movie = trackOf({kFirst, kProfile, kSecond});
+    movie->children()[0]->removeChildrenWithType("aaaa"_os);
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {atom("trak"_os, {kProfile, kSecond})}));
+}
+
+TEST(SurgeryOfChildren, OfAllChildrenRemovedTheDroppedOnesStay) {
+    const auto movie = trackOf({kFirst, kProfile, kSecond, kProfile});
+    movie->children()[0]->children().clear();
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {atom("trak"_os, {kProfile, kProfile})}));
+}
+
+TEST(SurgeryOfChildren, AnInsertedChildStandsBehindTheOneInFrontOfIt) {
+    const auto movie = trackOf({kFirst, kProfile, kSecond});
+    movie->children()[0]->insertChild(
+        VexQTAtom::initWithData(atom("cccc"_os, {u32(9)}), nullptr, 0), "aaaa"_os);
+    EXPECT_EQ(
+        surgical(*movie),
+        atom("moov"_os, {atom("trak"_os, {kFirst, kProfile, atom("cccc"_os, {u32(9)}), kSecond})}));
+}
+
+TEST(SurgeryOfChildren, ATerminatorStaysBehindAChildAddedAtTheEnd) {
+    const Bytes terminator = zeros(4);
+    const auto movie = trackOf({kFirst, terminator});
+    movie->children()[0]->addChild(VexQTAtom::initWithData(kSecond, nullptr, 0));
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {atom("trak"_os, {kFirst, kSecond, terminator})}));
+}
+
+TEST(SurgeryOfChildren, ChildrenInANewOrderAreWrittenInIt) {
+    const auto movie = trackOf({kFirst, kSecond});
+    std::swap(movie->children()[0]->children()[0], movie->children()[0]->children()[1]);
+    Surgery surgery;
+    const SharedBytes bytes = surgery.written(*movie).flat();
+    EXPECT_TRUE(
+        std::ranges::equal(bytes.view(), atom("moov"_os, {atom("trak"_os, {kSecond, kFirst})})));
+    ASSERT_EQ(surgery.edits().size(), 1u);
+    EXPECT_EQ(surgery.edits()[0].atom, movie->children()[0].get());
+}
+
+TEST(SurgeryOfChildren, AnAtomMadeInMemoryIsWrittenAsItsClassWritesIt) {
+    const auto movie = movieOf({kFirst});
+    movie->addChild(std::make_unique<VexQTtkhdAtom>());
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {kFirst, VexQTtkhdAtom().atomData()}));
+}
+
+TEST(SurgeryOfChildren, AnExtendedSizeGrowsInItsOwnField) {
+    const auto movie = movieOf({extendedAtomClaiming(16 + 12, "trak"_os, {kFirst})});
+    movie->children()[0]->addChild(VexQTAtom::initWithData(kSecond, nullptr, 0));
+    EXPECT_EQ(surgical(*movie),
+              atom("moov"_os, {extendedAtomClaiming(16 + 12 + 16, "trak"_os, {kFirst, kSecond})}));
+}
+
+TEST(SurgeryOfChildren, ASizeThatReachesToTheEndStaysZero) {
+    const auto movie = movieOf({atomClaiming(0, "trak"_os, {kFirst})});
+    movie->children()[0]->addChild(VexQTAtom::initWithData(kSecond, nullptr, 0));
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {atomClaiming(0, "trak"_os, {kFirst, kSecond})}));
+}
+
+TEST(SurgeryOfChildren, ASizeThatDisagreesGrowsByWhatWasAdded) {
+    const auto movie =
+        VexQTmoovAtom::initWithData(atomClaiming(99, "moov"_os, {kFirst}), nullptr, 0);
+    movie->addChild(VexQTAtom::initWithData(kSecond, nullptr, 0));
+    EXPECT_EQ(surgical(*movie), atomClaiming(99 + 16, "moov"_os, {kFirst, kSecond}));
+}
+
+TEST(SurgeryOfChildren, ATypeThatWasSetIsWrittenWhereTheClassWritesWhatItHolds) {
+    const auto movie = movieOf({kFirst});
+    movie->children()[0]->setAtomType("zzzz"_os);
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {atom("zzzz"_os, {u32(1)})}));
+}
+
+TEST(SurgeryOfChildren, EditsNameTheAtomAndTheProperty) {
+    const auto movie = movieOf({kHeader});
+    movie->children()[0]->setValueForKey(1, "duration");
+    movie->children()[0]->setValueForKey(2, "nextTrackID");
+    Surgery surgery;
+    surgery.written(*movie);
+    ASSERT_EQ(surgery.edits().size(), 2u);
+    EXPECT_EQ(surgery.edits()[0].atom, movie->children()[0].get());
+    EXPECT_EQ(surgery.edits()[0].property, "duration");
+    EXPECT_EQ(surgery.edits()[1].property, "nextTrackID");
+}
+
+TEST(SurgeryOfChildren, DeclinedAtomsKeepTheirBytes) {
+    std::vector<Problem> problems;
+    ReadContext context(problems);
+    const Bytes header = atom("mvhd"_os, {Bytes(112, 0x64)});
+    const Bytes cut = atomClaiming(500, "wide"_os, {u32(1)});
+    const Bytes bytes = atom("moov"_os, {header, cut});
+    const auto movie =
+        VexQTAtom::make(VexQTmoovAtom::kClass, SharedBytes::copyOf(bytes), nullptr, 0, context);
+    ASSERT_EQ(problems.size(), 2u);
+    EXPECT_EQ(surgical(*movie), bytes);
+}
+
+// MARK: Rows
+
+TEST(MergedRow, KeepsWhatWasReadWhereverTheTwoWritingsAgree) {
+    Field row;
+    row.unitWidth = 2;
+    EXPECT_EQ(mergedRow(row, text("AABBCC"), text("aabbcc"), text("aaXXcc")), text("AAXXCC"));
+}
+
+TEST(MergedRow, IsWhatIsWrittenNowWhereItCannotBeCutIntoValues) {
+    EXPECT_EQ(mergedRow(Field(), text("AABB"), text("aabb"), text("aaXX")), text("aaXX"));
+    Field row;
+    row.unitWidth = 2;
+    EXPECT_EQ(mergedRow(row, text("AAB"), text("aabb"), text("aaXX")), text("aaXX"));
+}
+
+}  // namespace
+}  // namespace vexqt
