@@ -19,7 +19,15 @@ ChildMaker::Header ChildMaker::peek() const {
     return header;
 }
 
-SharedBytes ChildMaker::take(std::uint64_t size, std::uint64_t offsetInFile) {
+/// Whether a child of that size has room for the header that it begins with.
+bool ChildMaker::hasHeader(const AtomClass* cls, std::uint64_t size) const {
+    ByteReader in = in_;
+    const bool isExtended = (cls == nullptr || cls->header != HeaderRule::None) &&
+                            in.remaining() >= sizeof(std::uint32_t) && in.u32() == 1;
+    return size >= (isExtended ? 2 * kHeaderLength : kHeaderLength);
+}
+
+SharedBytes ChildMaker::take(std::uint64_t size, bool isLongEnough, std::uint64_t offsetInFile) {
     ReadContext& context = in_.context();
     if (!context.isTolerant()) {
         if (size == 0) throw RangeError("a size of 0 does not move forward", in_.position());
@@ -31,10 +39,10 @@ SharedBytes ChildMaker::take(std::uint64_t size, std::uint64_t offsetInFile) {
                                              " there - kept to the end of what holds it");
         return in_.restShared();
     }
-    if (size < kHeaderLength) {
+    if (!isLongEnough) {
         // Nothing tells where the next child begins.
-        context.addProblem(offsetInFile, "a size of " + std::to_string(size) +
-                                             " is shorter than a header - kept as raw data to "
+        context.addProblem(offsetInFile, std::to_string(size) +
+                                             " bytes are no whole header - kept as raw data to "
                                              "the end of what holds it");
         return in_.restShared();
     }
@@ -80,12 +88,17 @@ VexQTAtom* ChildMaker::add(const AtomClass* cls, OSType type, std::uint64_t size
     const std::uint64_t offsetInFile = holder_.offsetInFile() + in_.position();
     const ReadContext::Step step(in_.context(), typeInTree(cls, type), holder_.children());
     try {
-        const bool isWhole = size >= kHeaderLength || !in_.context().isTolerant();
-        const SharedBytes bytes = take(size, offsetInFile);
-        if (cls == nullptr) return nullptr;
-        holder_.addChild(isWhole ? made(*cls, type, bytes, offsetInFile, particulars, in_.context())
-                                 : VexQTAtom::makeDeclined(*cls, "no whole header", type, bytes,
-                                                           particulars.parent, offsetInFile));
+        const bool isLongEnough = !in_.context().isTolerant() || hasHeader(cls, size);
+        const bool isCut = size > in_.remaining();
+        const SharedBytes bytes = take(size, isLongEnough, offsetInFile);
+        if (cls == nullptr) {
+            if (isLongEnough && !isCut) return nullptr;
+            cls = &VexQTAtom::kClass;  // What else it swallowed is not dropped with it.
+        }
+        holder_.addChild(isLongEnough
+                             ? made(*cls, type, bytes, offsetInFile, particulars, in_.context())
+                             : VexQTAtom::makeDeclined(*cls, "no whole header", type, bytes,
+                                                       particulars.parent, offsetInFile));
     } catch (Error& error) {
         error.enter(step.segment(), offsetInFile);
         throw;
