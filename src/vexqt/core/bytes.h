@@ -6,7 +6,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <concepts>
 #include <cstring>
@@ -141,10 +140,10 @@ public:
 private:
     template <std::unsigned_integral T>
     void big(T value) {
-        std::array<std::uint8_t, sizeof(T)> bytes;
+        const std::size_t position = bytes_.size();
+        bytes_.resize(position + sizeof(T));
         value = fromBigEndian(value);
-        std::memcpy(bytes.data(), &value, sizeof(T));
-        append(bytes);
+        std::memcpy(std::span(bytes_).subspan(position).data(), &value, sizeof(T));
     }
 
     Bytes bytes_;
