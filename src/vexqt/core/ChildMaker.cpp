@@ -49,6 +49,25 @@ SharedBytes ChildMaker::take(std::uint64_t size, bool isLongEnough, std::uint64_
     return in_.takeShared(size);
 }
 
+// Texts are put together out of the way of the descent, which takes its stack at every level.
+
+[[noreturn, gnu::noinline]] static void raiseDeclined(const AtomClass& cls, std::size_t length) {
+    throw InsertionError(std::string(cls.className) + " declines " + std::to_string(length) +
+                         " bytes");
+}
+
+[[gnu::noinline]] static std::unique_ptr<VexQTAtom> declined(
+    const AtomClass& cls, const Error* error, OSType type, const SharedBytes& bytes,
+    std::uint64_t offsetInFile, const ChildMaker::Particulars& particulars, ReadContext& context) {
+    std::string reason = error ? error->message() : std::to_string(bytes.size()) + " bytes";
+    context.renameInnermost(type);
+    context.addProblem(offsetInFile, "Atom '" + textFromCode(type) + "' declined by " +
+                                         std::string(cls.className) + " (" + reason +
+                                         ") - kept as raw data");
+    return VexQTAtom::makeDeclined(cls, std::move(reason), type, bytes, particulars.parent,
+                                   offsetInFile);
+}
+
 std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
                                             const SharedBytes& bytes, std::uint64_t offsetInFile,
                                             const Particulars& particulars, ReadContext& context) {
@@ -56,23 +75,15 @@ std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
         auto child = VexQTAtom::make(cls, bytes, particulars.parent, offsetInFile, context);
         if (child) return child;
         if (!particulars.lineWhenNone.empty()) log(particulars.lineWhenNone);
-        throw InsertionError(std::string(cls.className) + " declines " +
-                             std::to_string(bytes.size()) + " bytes");
+        raiseDeclined(cls, bytes.size());
     }
-    std::string reason;
     try {
         auto child = VexQTAtom::make(cls, bytes, particulars.parent, offsetInFile, context);
         if (child) return child;
-        reason = std::to_string(bytes.size()) + " bytes";
+        return declined(cls, nullptr, type, bytes, offsetInFile, particulars, context);
     } catch (const Error& error) {
-        reason = error.message();
+        return declined(cls, &error, type, bytes, offsetInFile, particulars, context);
     }
-    context.renameInnermost(type);
-    context.addProblem(offsetInFile, "Atom '" + textFromCode(type) + "' declined by " +
-                                         std::string(cls.className) + " (" + reason +
-                                         ") - kept as raw data");
-    return VexQTAtom::makeDeclined(cls, std::move(reason), type, bytes, particulars.parent,
-                                   offsetInFile);
 }
 
 /// The type under which a child will be found: entries that begin with their own format have their
