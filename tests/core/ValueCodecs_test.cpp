@@ -136,7 +136,7 @@ std::vector<std::uint32_t> patterns(const Form& form) {
 /// Numbers with few enough bits that no step on the way through doubles rounds.
 std::vector<double> numbers() {
     std::vector<double> all;
-    for (int i = -70000; i <= 70000; ++i) {
+    for (int i = -40000; i <= 40000; ++i) {
         all.push_back(i / 256.0);         // Every 8.8 number and its neighbours.
         all.push_back(i / 512.0);         // Between two of them.
         all.push_back(i / 65536.0);       // Every small 16.16 number.
@@ -146,7 +146,7 @@ std::vector<double> numbers() {
         all.push_back(i * 65521.0 + 0.5);
     }
     std::mt19937_64 random(1904);
-    for (int i = 0; i < 200000; ++i) {
+    for (int i = 0; i < 100000; ++i) {
         const auto mantissa = static_cast<std::int64_t>(random()) >> 28;  // 36 bits.
         const int exponent = static_cast<int>(random() % 49) - 36;
         all.push_back(std::ldexp(static_cast<double>(mantissa), exponent));

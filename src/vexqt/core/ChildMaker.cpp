@@ -19,7 +19,15 @@ ChildMaker::Header ChildMaker::peek() const {
     return header;
 }
 
-SharedBytes ChildMaker::take(std::uint64_t size, std::uint64_t offsetInFile) {
+/// Whether a child of that size has room for the header that it begins with.
+bool ChildMaker::hasHeader(const AtomClass* cls, std::uint64_t size) const {
+    ByteReader in = in_;
+    const bool isExtended = (cls == nullptr || cls->header != HeaderRule::None) &&
+                            in.remaining() >= sizeof(std::uint32_t) && in.u32() == 1;
+    return size >= (isExtended ? 2 * kHeaderLength : kHeaderLength);
+}
+
+SharedBytes ChildMaker::take(std::uint64_t size, bool isLongEnough, std::uint64_t offsetInFile) {
     ReadContext& context = in_.context();
     if (!context.isTolerant()) {
         if (size == 0) throw RangeError("a size of 0 does not move forward", in_.position());
@@ -33,16 +41,35 @@ SharedBytes ChildMaker::take(std::uint64_t size, std::uint64_t offsetInFile) {
                            true);
         return in_.restShared();
     }
-    if (size < kHeaderLength) {
+    if (!isLongEnough) {
         // Nothing tells where the next child begins.
         context.addProblem(offsetInFile,
-                           "a size of " + std::to_string(size) +
-                               " is shorter than a header - kept as raw data to "
+                           std::to_string(size) +
+                               " bytes are no whole header - kept as raw data to "
                                "the end of what holds it",
                            true);
         return in_.restShared();
     }
     return in_.takeShared(size);
+}
+
+// Texts are put together out of the way of the descent, which takes its stack at every level.
+
+[[noreturn, gnu::noinline]] static void raiseDeclined(const AtomClass& cls, std::size_t length) {
+    throw InsertionError(std::string(cls.className) + " declines " + std::to_string(length) +
+                         " bytes");
+}
+
+[[gnu::noinline]] static std::unique_ptr<VexQTAtom> declined(
+    const AtomClass& cls, const Error* error, OSType type, const SharedBytes& bytes,
+    std::uint64_t offsetInFile, const ChildMaker::Particulars& particulars, ReadContext& context) {
+    std::string reason = error ? error->message() : std::to_string(bytes.size()) + " bytes";
+    context.renameInnermost(type);
+    context.addProblem(offsetInFile, "Atom '" + textFromCode(type) + "' declined by " +
+                                         std::string(cls.className) + " (" + reason +
+                                         ") - kept as raw data");
+    return VexQTAtom::makeDeclined(cls, std::move(reason), type, bytes, particulars.parent,
+                                   offsetInFile);
 }
 
 std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
@@ -52,23 +79,15 @@ std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
         auto child = VexQTAtom::make(cls, bytes, particulars.parent, offsetInFile, context);
         if (child) return child;
         if (!particulars.lineWhenNone.empty()) log(particulars.lineWhenNone);
-        throw InsertionError(std::string(cls.className) + " declines " +
-                             std::to_string(bytes.size()) + " bytes");
+        raiseDeclined(cls, bytes.size());
     }
-    std::string reason;
     try {
         auto child = VexQTAtom::make(cls, bytes, particulars.parent, offsetInFile, context);
         if (child) return child;
-        reason = std::to_string(bytes.size()) + " bytes";
+        return declined(cls, nullptr, type, bytes, offsetInFile, particulars, context);
     } catch (const Error& error) {
-        reason = error.message();
+        return declined(cls, &error, type, bytes, offsetInFile, particulars, context);
     }
-    context.renameInnermost(type);
-    context.addProblem(offsetInFile, "Atom '" + textFromCode(type) + "' declined by " +
-                                         std::string(cls.className) + " (" + reason +
-                                         ") - kept as raw data");
-    return VexQTAtom::makeDeclined(cls, std::move(reason), type, bytes, particulars.parent,
-                                   offsetInFile);
 }
 
 /// The type under which a child will be found: entries that begin with their own format have their
@@ -85,16 +104,21 @@ VexQTAtom* ChildMaker::add(const AtomClass* cls, OSType type, std::uint64_t size
     const std::uint64_t offsetInFile = holder_.offsetInFile() + start;
     const ReadContext::Step step(in_.context(), typeInTree(cls, type), holder_.children());
     try {
-        const bool isWhole = size >= kHeaderLength || !in_.context().isTolerant();
-        const SharedBytes bytes = take(size, offsetInFile);
-        if (cls == nullptr) return nullptr;
+        const bool isLongEnough = !in_.context().isTolerant() || hasHeader(cls, size);
+        const bool isCut = size > in_.remaining();
+        const SharedBytes bytes = take(size, isLongEnough, offsetInFile);
+        if (cls == nullptr) {
+            if (isLongEnough && !isCut) return nullptr;
+            cls = &VexQTAtom::kClass;  // What else it swallowed is not dropped with it.
+        }
         if (Survey* survey = in_.context().survey()) {
             survey->children.push_back({.start = start, .end = in_.position()});
             return nullptr;
         }
-        holder_.addChild(isWhole ? made(*cls, type, bytes, offsetInFile, particulars, in_.context())
-                                 : VexQTAtom::makeDeclined(*cls, "no whole header", type, bytes,
-                                                           particulars.parent, offsetInFile));
+        holder_.addChild(isLongEnough
+                             ? made(*cls, type, bytes, offsetInFile, particulars, in_.context())
+                             : VexQTAtom::makeDeclined(*cls, "no whole header", type, bytes,
+                                                       particulars.parent, offsetInFile));
     } catch (Error& error) {
         error.enter(step.segment(), offsetInFile);
         throw;

@@ -29,7 +29,8 @@ public:
     };
 
     /// Takes the next bytes, makes a child of them and adds it to the holder. Without a class they
-    /// are taken and dropped. Gives the child, null for none: a survey makes none at all.
+    /// are taken and dropped, unless their size is wrong. Gives the child, null for none: a survey
+    /// makes none at all.
     /// \throws InsertionError when the class declines the bytes, and what decoding them raises.
     VexQTAtom* add(const AtomClass* cls, OSType type, std::uint64_t size,
                    const Particulars& particulars);
@@ -48,7 +49,8 @@ public:
                                            const Particulars& particulars, ReadContext& context);
 
 private:
-    SharedBytes take(std::uint64_t size, std::uint64_t offsetInFile);
+    bool hasHeader(const AtomClass* cls, std::uint64_t size) const;
+    SharedBytes take(std::uint64_t size, bool isLongEnough, std::uint64_t offsetInFile);
 
     VexQTAtom& holder_;
     AtomReader& in_;

@@ -364,11 +364,12 @@ std::optional<Bytes> VexQTAtom::unknownData() const {
 
 Extent VexQTAtom::extent() const {
     if (extras_ && extras_->extent) return *extras_->extent;
-    if (origin_.size() == 0) return {};
+    if (origin_.size() == 0) return {.headerLength = 0};
     const ByteView bytes = origin_.view();
     const bool isExtended =
         bytes.size() >= 16 && class_.header != HeaderRule::None && ByteReader(bytes).u32() == 1;
-    return {offsetInFile_, isExtended ? std::size_t{16} : std::size_t{8}, bytes.size()};
+    const std::size_t headerLength = std::min<std::size_t>(isExtended ? 16 : 8, bytes.size());
+    return {offsetInFile_, headerLength, bytes.size()};
 }
 
 void VexQTAtom::keepRest(AtomReader& in) {

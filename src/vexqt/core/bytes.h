@@ -6,7 +6,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <concepts>
 #include <cstring>
@@ -184,9 +183,9 @@ public:
 private:
     template <std::unsigned_integral T>
     void big(T value) {
-        std::array<std::uint8_t, sizeof(T)> bytes;
-        storeBigEndian(bytes.data(), value);
-        append(bytes);
+        const std::size_t position = bytes_.size();
+        bytes_.resize(position + sizeof(T));
+        storeBigEndian(std::span(bytes_).subspan(position).data(), value);
     }
 
     Bytes bytes_;
