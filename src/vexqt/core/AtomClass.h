@@ -27,7 +27,8 @@ enum class HeaderRule {
     ReadZeroLeavesEight,  ///< As Read, but a size of 0 leaves out 8 bytes whatever was read.
     ReadExtendedPlusOne,  ///< As ReadZeroLeavesEight, but 1 is added to an extended size.
     ReadSizeField,  ///< The size field as it stands, 0 and 1 too; 1 makes the header 16 bytes.
-    Generic         ///< As ReadZeroMeansShort, but an extended size loses 16.
+    Generic,        ///< As ReadZeroMeansShort, but an extended size loses 16.
+    GenericFieldsAtEight  ///< As Generic, but the fields begin behind 8 bytes whatever was read.
 };
 
 /// What a class writes in front of its fields.
