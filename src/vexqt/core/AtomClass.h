@@ -25,7 +25,7 @@ enum class HeaderRule {
     Read,                ///< Both are read, in either size form; a size of 0 leaves out the header.
     ReadZeroMeansShort,  ///< As Read, but a size of 0 makes the header 8 bytes whatever was read.
     ReadZeroLeavesEight,  ///< As Read, but a size of 0 leaves out 8 bytes whatever was read.
-    ReadExtendedPlusOne,  ///< As ReadZeroLeavesEight, but 1 is added to an extended size.
+    ReadExtendedPlusOne,  ///< As ReadZeroLeavesEight, but any extended size is raised by 1.
     ReadSizeField,  ///< The size field as it stands, 0 and 1 too; 1 makes the header 16 bytes.
     Generic,        ///< As ReadZeroMeansShort, but an extended size loses 16.
     GenericFieldsAtEight  ///< As Generic, but the fields begin behind 8 bytes whatever was read.

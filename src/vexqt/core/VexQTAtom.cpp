@@ -173,13 +173,15 @@ Header readHeader(ByteView bytes, HeaderRule rule) {
         if (rule == HeaderRule::ReadSizeField) return header;
         header.size = in.u64();
         if (isGeneric) header.size -= 16;
+        if (rule == HeaderRule::ReadExtendedPlusOne) {
+            header.size += 1;
+            return header;
+        }
     }
     if (header.size == 0 && rule != HeaderRule::ReadSizeField) {
         if (isGeneric || rule == HeaderRule::ReadZeroMeansShort) header.length = 8;
         const std::size_t leftOut = rule == HeaderRule::Read ? header.length : 8;
         header.size = bytes.size() - leftOut;
-    } else if (sizeField == 1 && rule == HeaderRule::ReadExtendedPlusOne) {
-        header.size += 1;
     }
     if (rule == HeaderRule::GenericFieldsAtEight) header.length = 8;
     return header;
