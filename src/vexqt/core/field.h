@@ -133,6 +133,7 @@ constexpr ValueKind kindOf() {
     if constexpr (std::is_same_v<T, Matrix>) return ValueKind::Transformation;
     if constexpr (std::is_same_v<T, Color>) return ValueKind::Color;
     if constexpr (std::is_same_v<T, Number>) return ValueKind::Number;
+    if constexpr (std::is_same_v<T, Picture>) return ValueKind::Picture;
     return ValueKind::None;
 }
 
