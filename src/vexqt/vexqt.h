@@ -15,6 +15,7 @@
 #include "vexqt/atoms/metadata/VexQTkeysAtom.h"
 #include "vexqt/atoms/metadata/VexQTmetaAtom.h"
 #include "vexqt/atoms/metadata/VexQTudtaAtom.h"
+#include "vexqt/atoms/metadata/keyed_items.h"
 #include "vexqt/atoms/structure/VexQTclipAtom.h"
 #include "vexqt/atoms/structure/VexQTdinfAtom.h"
 #include "vexqt/atoms/structure/VexQTedtsAtom.h"
