@@ -15,15 +15,16 @@ struct TolerantReading {
     std::vector<Problem> problems;
 };
 
-/// Reads a root atom tolerantly, as the readers of files do.
+/// Reads an atom tolerantly, as the readers of files do.
 template <class T>
-TolerantReading<T> readTolerantly(ByteView bytes, std::uint64_t offsetInFile = 0) {
+TolerantReading<T> readTolerantly(ByteView bytes, std::uint64_t offsetInFile = 0,
+                                  VexQTAtom* parent = nullptr) {
     TolerantReading<T> reading;
     ReadContext context(reading.problems);
     const ReadContext::Siblings none;
     const ReadContext::Step step(context, T::kClass.type, none);
     auto atom =
-        VexQTAtom::make(T::kClass, SharedBytes::copyOf(bytes), nullptr, offsetInFile, context);
+        VexQTAtom::make(T::kClass, SharedBytes::copyOf(bytes), parent, offsetInFile, context);
     reading.atom.reset(static_cast<T*>(atom.release()));
     return reading;
 }

@@ -25,9 +25,10 @@ enum class HeaderRule {
     Read,                ///< Both are read, in either size form; a size of 0 leaves out the header.
     ReadZeroMeansShort,  ///< As Read, but a size of 0 makes the header 8 bytes whatever was read.
     ReadZeroLeavesEight,  ///< As Read, but a size of 0 leaves out 8 bytes whatever was read.
-    ReadExtendedPlusOne,  ///< As ReadZeroLeavesEight, but 1 is added to an extended size.
+    ReadExtendedPlusOne,  ///< As ReadZeroLeavesEight, but any extended size is raised by 1.
     ReadSizeField,  ///< The size field as it stands, 0 and 1 too; 1 makes the header 16 bytes.
-    Generic         ///< As ReadZeroMeansShort, but an extended size loses 16.
+    Generic,        ///< As ReadZeroMeansShort, but an extended size loses 16.
+    GenericFieldsAtEight  ///< As Generic, but the fields begin behind 8 bytes whatever was read.
 };
 
 /// What a class writes in front of its fields.
@@ -57,7 +58,7 @@ struct AtomClass;
 /// One line of a container's child table. A type that no line names becomes a generic atom.
 struct ChildRule {
     const AtomClass* cls;           ///< Null: the child is dropped and never written back.
-    OSType type = 0;                ///< 0: the class's own.
+    OSType type = 0;                ///< 0: the class's own. kAnyType covers every type.
     std::uint64_t minimumSize = 0;  ///< A smaller child stays generic.
 };
 

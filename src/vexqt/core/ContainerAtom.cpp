@@ -7,7 +7,8 @@ namespace vexqt {
 const AtomClass* classOfChild(std::span<const ChildRule> table, OSType type, std::uint64_t size) {
     for (const ChildRule& rule : table) {
         const OSType covered = rule.type != 0 ? rule.type : rule.cls->type;
-        if (type == covered && size >= rule.minimumSize) return rule.cls;
+        const bool covers = covered == type || covered == kAnyType;
+        if (covers && size >= rule.minimumSize) return rule.cls;
     }
     return &VexQTAtom::kClass;
 }

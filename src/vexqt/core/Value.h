@@ -11,6 +11,7 @@
 #include <variant>
 
 #include "vexqt/platform/Color.h"
+#include "vexqt/platform/Picture.h"
 #include "vexqt/platform/bytes_types.h"
 #include "vexqt/platform/dates.h"
 
@@ -46,8 +47,9 @@ private:
     std::variant<std::int64_t, std::uint64_t, float> held_;
 };
 
-using ValueVariant = std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double,
-                                  std::string, Bytes, Date, Color, Number, Matrix, VexQTAtom*>;
+using ValueVariant =
+    std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Bytes,
+                 Date, Color, Number, Picture, Matrix, VexQTAtom*>;
 
 /// Any property's value; std::monostate where it is absent.
 ///
@@ -71,6 +73,7 @@ public:
     Value(Date date) : ValueVariant(date) {}
     Value(Color color) : ValueVariant(color) {}
     Value(Number number) : ValueVariant(number) {}
+    Value(Picture picture) : ValueVariant(std::move(picture)) {}
     Value(const Matrix& matrix) : ValueVariant(matrix) {}
     Value(VexQTAtom* atom) : ValueVariant(atom) {}
     template <class T>

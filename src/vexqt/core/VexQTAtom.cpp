@@ -178,6 +178,7 @@ struct Header {
 
 /// What a class takes from the first bytes that it is given. Sizes wrap where the rules subtract.
 Header readHeader(ByteView bytes, HeaderRule rule) {
+    const bool isGeneric = rule == HeaderRule::Generic || rule == HeaderRule::GenericFieldsAtEight;
     ByteReader in(bytes);
     Header header;
     const std::uint32_t sizeField = in.u32();
@@ -187,16 +188,18 @@ Header readHeader(ByteView bytes, HeaderRule rule) {
         header.length = 16;
         if (rule == HeaderRule::ReadSizeField) return header;
         header.size = in.u64();
-        if (rule == HeaderRule::Generic) header.size -= 16;
+        if (isGeneric) header.size -= 16;
+        if (rule == HeaderRule::ReadExtendedPlusOne) {
+            header.size += 1;
+            return header;
+        }
     }
     if (header.size == 0 && rule != HeaderRule::ReadSizeField) {
-        if (rule == HeaderRule::Generic || rule == HeaderRule::ReadZeroMeansShort)
-            header.length = 8;
+        if (isGeneric || rule == HeaderRule::ReadZeroMeansShort) header.length = 8;
         const std::size_t leftOut = rule == HeaderRule::Read ? header.length : 8;
         header.size = bytes.size() - leftOut;
-    } else if (sizeField == 1 && rule == HeaderRule::ReadExtendedPlusOne) {
-        header.size += 1;
     }
+    if (rule == HeaderRule::GenericFieldsAtEight) header.length = 8;
     return header;
 }
 

@@ -133,13 +133,14 @@ constexpr ValueKind kindOf() {
     if constexpr (std::is_same_v<T, Matrix>) return ValueKind::Transformation;
     if constexpr (std::is_same_v<T, Color>) return ValueKind::Color;
     if constexpr (std::is_same_v<T, Number>) return ValueKind::Number;
+    if constexpr (std::is_same_v<T, Picture>) return ValueKind::Picture;
     return ValueKind::None;
 }
 
 [[noreturn]] void throwWrongKind();
 
 /// Setting an empty value on a number sets 0; on what can be absent it makes it absent. An integer
-/// keeps the low bits of a wider value.
+/// keeps the low bits of a wider value; a number object takes any plain number.
 template <class T>
 T fromValue(const Value& value) {
     using Present = typename OptionalTraits<T>::Present;
@@ -156,6 +157,11 @@ T fromValue(const Value& value) {
         }
     } else if (const auto* present = std::get_if<Present>(&value)) {
         return *present;
+    } else if constexpr (std::is_same_v<Present, Number>) {
+        if (const auto* number = std::get_if<std::int64_t>(&value)) return Number(*number);
+        if (const auto* number = std::get_if<std::uint64_t>(&value)) return Number(*number);
+        if (const auto* number = std::get_if<double>(&value))
+            return Number(static_cast<float>(*number));
     }
     throwWrongKind();
 }

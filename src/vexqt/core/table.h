@@ -249,7 +249,6 @@ struct TableMember {
         table(owner).setBytes(in.takeShared(present * Its::width), form);
     }
 
-    static bool untouched(const Record& owner) { return table(owner).isAsRead(); }
     static void encode(const Record& owner, ByteWriter& out) {
         if constexpr (!Its::areVerbatim) {
             for (const Entry& entry : table(owner).rows()) Its::encode(entry, out);
@@ -271,6 +270,8 @@ struct TableMember {
             rows = rows.subspan(block.size());
         }
     }
+
+    static bool isAsRead(const Record& owner) { return table(owner).isAsRead(); }
 
     // Access by those who do not know the entry's class.
 
@@ -345,7 +346,7 @@ constexpr Field table(std::string_view name) {
             .decode = Its::template decode<stop>,
             .encode = Its::encode,
             .list = &Its::access,
-            .untouched = Its::untouched};
+            .untouched = Its::isAsRead};
 }
 
 /// The count in front of a table. The one that is written is the table's length.
@@ -357,6 +358,9 @@ constexpr Field entryCount() {
     row.encode = [](const Record& owner, ByteWriter& out) {
         out.u32(static_cast<std::uint32_t>((static_cast<const Owner&>(owner).*Member).size()));
     };
+    row.untouched = [](const Record& owner) {
+        return (static_cast<const Owner&>(owner).*Member).isAsRead();
+    };
     return row;
 }
 
@@ -366,6 +370,7 @@ constexpr Field entryCountRead(std::string_view name) {
     Field row = field<Count, U32>(name);
     row.set = nullptr;
     row.encode = entryCount<Member>().encode;
+    row.untouched = entryCount<Member>().untouched;
     return row;
 }
 

@@ -18,7 +18,7 @@ struct VexQTDataReference::Layout {
     };
 };
 
-/// The flags and the payload lie where a short header puts them, whatever header there is.
+/// The version byte is passed over.
 void VexQTDataReference::decodePayload(AtomReader& in) {
     in.seek(9);
     setFlags0(in.u8());
@@ -48,7 +48,7 @@ constinit const AtomClass VexQTDataReference::kClass = {
     .className = "VexQTDataReference",
     .atomName = "Data Reference Entry",
     .nibName = "VexQTDataReference",
-    .header = HeaderRule::Generic,
+    .header = HeaderRule::GenericFieldsAtEight,
     .writtenHeader = WrittenHeader::AsHeld,
     .sizeRule = SizeRule::NotRecomputed,
     .typeRule = TypeRule::AsHeld,
@@ -60,29 +60,39 @@ constinit const AtomClass VexQTDataReference::kClass = {
 
 struct VexQTdrefAtom::Layout {
     using Atom = VexQTdrefAtom;
-    static void encodeCount(const Record& record, ByteWriter& out) {
-        out.u32(static_cast<std::uint32_t>(static_cast<const Atom&>(record).children().size()));
-    }
     static void keepPayload(Record& record, AtomReader& in) {
         static_cast<Atom&>(record).keepPayload(in);
     }
     static void decodeEntries(Record& record, AtomReader& in) {
         static_cast<Atom&>(record).decodeEntries(in);
     }
+    static void encodeCount(const Record& record, ByteWriter& out) {
+        out.u32(static_cast<std::uint32_t>(static_cast<const Atom&>(record).children().size()));
+    }
+    static bool hasAsManyEntriesAsRead(const Record& record) {
+        const auto& atom = static_cast<const Atom&>(record);
+        return atom.children().size() == atom.entriesRead_;
+    }
     static constexpr Field fields[] = {
         {.decode = keepPayload},
         versionKept,
         flagsNotRead,
-        {.width = 4, .decode = rows::skip<4>, .encode = encodeCount},
+        {.width = 4,
+         .decode = rows::skip<4>,
+         .encode = encodeCount,
+         .untouched = hasAsManyEntriesAsRead},
         {.holdsChildren = true, .decode = decodeEntries, .encode = appendChildren},
     };
 };
 
-/// The fields lie where a short header puts them, whatever header there is.
+/// The raw remainder begins behind the whole header, of 16 bytes where its size is extended and not
+/// just the header's own. The fields begin behind 8 bytes all the same.
 void VexQTdrefAtom::keepPayload(AtomReader& in) {
+    ByteReader header(origin().view());
+    const bool isExtended = header.u32() == 1;
+    header.skip(sizeof(OSType));
+    keepUnknownDataFrom(isExtended && header.u64() != 16 ? 16 : in.position());
     setAtomType(kClass.type);
-    keepUnknownDataFrom(in.position());
-    in.seek(8);
 }
 
 /// The count is no more than an upper bound: entries that are not there are none.
@@ -97,6 +107,7 @@ void VexQTdrefAtom::decodeEntries(AtomReader& in) {
         const OSType type = ahead.remaining() >= sizeof(OSType) ? ahead.u32() : kAnyType;
         maker.add(&VexQTDataReference::kClass, type, size);
     }
+    entriesRead_ = children().size();
 }
 
 constinit const AtomClass VexQTdrefAtom::kClass = {
@@ -105,7 +116,7 @@ constinit const AtomClass VexQTdrefAtom::kClass = {
     .atomName = "Data Reference",
     .nibName = "VexQTdrefAtom",
     .accepts = atLeast(16),
-    .header = HeaderRule::Generic,
+    .header = HeaderRule::GenericFieldsAtEight,
     .fields = Layout::fields,
     .create = create<VexQTdrefAtom>,
 };

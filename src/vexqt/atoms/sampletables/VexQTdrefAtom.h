@@ -36,6 +36,8 @@ private:
     struct Layout;
     void keepPayload(AtomReader& in);
     void decodeEntries(AtomReader& in);
+
+    std::size_t entriesRead_ = 0;
 };
 
 }  // namespace vexqt

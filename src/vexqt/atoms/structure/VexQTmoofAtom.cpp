@@ -1,6 +1,8 @@
 #include "vexqt/atoms/structure/VexQTmoofAtom.h"
 
 #include "vexqt/atoms/headers/VexQTmvhdAtom.h"
+#include "vexqt/atoms/metadata/VexQTmetaAtom.h"
+#include "vexqt/atoms/metadata/VexQTudtaAtom.h"
 #include "vexqt/atoms/structure/VexQTtrakAtom.h"
 
 namespace vexqt {
@@ -8,6 +10,8 @@ namespace vexqt {
 static constexpr ChildRule kChildren[] = {
     {.cls = &VexQTmvhdAtom::kClass},
     {.cls = &VexQTtrakAtom::kClass},
+    {.cls = &VexQTudtaAtom::kClass},
+    {.cls = &VexQTmetaAtom::kClass},
 };
 
 struct VexQTmoofAtom::Layout {

@@ -1,6 +1,8 @@
 #include "vexqt/atoms/structure/VexQTmoovAtom.h"
 
 #include "vexqt/atoms/headers/VexQTmvhdAtom.h"
+#include "vexqt/atoms/metadata/VexQTmetaAtom.h"
+#include "vexqt/atoms/metadata/VexQTudtaAtom.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
 #include "vexqt/atoms/structure/VexQTtrakAtom.h"
 
@@ -9,6 +11,8 @@ namespace vexqt {
 static constexpr ChildRule kChildren[] = {
     {.cls = &VexQTmvhdAtom::kClass},
     {.cls = &VexQTtrakAtom::kClass},
+    {.cls = &VexQTudtaAtom::kClass},
+    {.cls = &VexQTmetaAtom::kClass},
 };
 
 struct VexQTmoovAtom::Layout {

@@ -1,6 +1,8 @@
 #include "vexqt/atoms/structure/VexQTtrakAtom.h"
 
 #include "vexqt/atoms/headers/VexQTtkhdAtom.h"
+#include "vexqt/atoms/metadata/VexQTmetaAtom.h"
+#include "vexqt/atoms/metadata/VexQTudtaAtom.h"
 #include "vexqt/atoms/structure/VexQTclipAtom.h"
 #include "vexqt/atoms/structure/VexQTedtsAtom.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
@@ -9,9 +11,14 @@
 namespace vexqt {
 
 static constexpr ChildRule kChildren[] = {
-    {.cls = &VexQTtkhdAtom::kClass}, {.cls = &VexQTedtsAtom::kClass},
-    {.cls = &VexQTmdiaAtom::kClass}, {.cls = &VexQTtaptAtom::kClass},
-    {.cls = &VexQTclipAtom::kClass}, {.cls = nullptr, .type = "prfl"_os},  // A profile is lost.
+    {.cls = &VexQTtkhdAtom::kClass},
+    {.cls = &VexQTedtsAtom::kClass},
+    {.cls = &VexQTmdiaAtom::kClass},
+    {.cls = &VexQTmetaAtom::kClass},
+    {.cls = &VexQTtaptAtom::kClass},
+    {.cls = &VexQTclipAtom::kClass},
+    {.cls = &VexQTudtaAtom::kClass, .minimumSize = 16},
+    {.cls = nullptr, .type = "prfl"_os},  // A profile is lost.
 };
 
 constinit const AtomClass VexQTtrakAtom::kClass = {

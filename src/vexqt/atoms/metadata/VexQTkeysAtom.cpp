@@ -1,0 +1,81 @@
+#include "vexqt/atoms/metadata/VexQTkeysAtom.h"
+
+#include "vexqt/core/codecs.h"
+#include "vexqt/core/full_atom.h"
+#include "vexqt/core/list.h"
+#include "vexqt/platform/text.h"
+
+namespace vexqt {
+
+struct VexQTKeyEntry::Layout {
+    using Entry = VexQTKeyEntry;
+    static constexpr Field columns[] = {
+        property<&Entry::index_>("index"),
+        property<&Entry::nameSpace_>("nameSpace").as(Display::Code),
+        property<&Entry::value_>("value"),
+    };
+};
+
+/// The size and the namespace of an entry.
+static constexpr std::uint32_t kEntryHeader = 8;
+
+Bytes VexQTKeyEntry::atomData() const {
+    const Bytes text = asciiFromText(value_.value_or("")).value_or(Bytes());
+    ByteWriter out;
+    out.u32(static_cast<std::uint32_t>(text.size() + kEntryHeader));
+    out.u32(nameSpace_);
+    out.append(text);
+    return out.release();
+}
+
+struct VexQTkeysAtom::Layout {
+    using Atom = VexQTkeysAtom;
+
+    /// The payload is kept beside the list, although it is never written. The fields lie behind 8
+    /// bytes whatever the header.
+    static void keepPayload(Record& record, AtomReader& in) {
+        auto& atom = static_cast<Atom&>(record);
+        atom.keepUnknownDataFrom(in.position());
+        atom.setAtomType(kClass.type);
+        in.seek(8);
+    }
+    static constexpr Field fields[] = {
+        {.decode = keepPayload},
+        versionKept,
+        flagsKept,
+        irregular<&Atom::decodeKeys, &Atom::encodeKeys>(),
+        entryList<&Atom::keys_, VexQTKeyEntry::Layout::columns>("keys"),
+    };
+};
+
+void VexQTkeysAtom::decodeKeys(AtomReader& in) {
+    const std::uint32_t count = in.u32();
+    for (std::int64_t index = 1; index <= count; ++index) {
+        const std::size_t start = in.position();
+        const std::uint32_t size = in.u32();
+        const OSType nameSpace = in.u32();
+        if (size < kEntryHeader)
+            throw RangeError("a key of " + std::to_string(size) + " bytes, " +
+                                 std::to_string(kEntryHeader) + " wanted at least",
+                             start, size, in.length());
+        keys_.emplace_back(index, nameSpace, textFromASCII(upToZero(in.take(size - kEntryHeader))));
+    }
+}
+
+void VexQTkeysAtom::encodeKeys(ByteWriter& out) const {
+    out.u32(static_cast<std::uint32_t>(keys_.size()));
+    for (const VexQTKeyEntry& key : keys_) out.append(key.atomData());
+}
+
+constinit const AtomClass VexQTkeysAtom::kClass = {
+    .type = "keys"_os,
+    .className = "VexQTkeysAtom",
+    .atomName = "Metadata Keys",
+    .nibName = "VexQTkeysAtom",
+    .header = HeaderRule::Generic,
+    .typeRule = TypeRule::AsHeld,
+    .fields = Layout::fields,
+    .create = create<VexQTkeysAtom>,
+};
+
+}  // namespace vexqt

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "vexqt/core/VexQTAtom.h"
+
+namespace vexqt {
+
+/// The name of a kind of metadata items: "com.example.title" in the namespace 'mdta'.
+class VexQTKeyEntry : public Record {
+public:
+    VexQTKeyEntry() = default;
+    VexQTKeyEntry(std::int64_t keyIndex, OSType nameSpace, std::optional<std::string> value)
+        : index_(keyIndex), nameSpace_(nameSpace), value_(std::move(value)) {}
+
+    /// The place that the key was read from, counted from 1. Never written: the place in the list
+    /// is what counts.
+    std::int64_t index() const { return index_; }
+    void setIndex(std::int64_t index) { index_ = index; }
+    OSType nameSpace() const { return nameSpace_; }
+    void setNameSpace(OSType nameSpace) { nameSpace_ = nameSpace; }
+    std::string nameSpaceString() const { return textFromCode(nameSpace_); }
+    void setNameSpaceString(std::string_view text) { nameSpace_ = codeFromText(text); }
+    /// ASCII; absent when there is none or it does not decode.
+    const std::optional<std::string>& value() const { return value_; }
+    void setValue(std::optional<std::string> value) { value_ = std::move(value); }
+
+    /// The entry as it lies in the file, without a text where the text is not ASCII.
+    Bytes atomData() const;
+
+    struct Layout;
+
+private:
+    std::int64_t index_ = 0;
+    OSType nameSpace_ = kAnyType;
+    std::optional<std::string> value_;
+};
+
+/// The keys that the items of keyed metadata are numbered by: an item's type is its key's place in
+/// this list, counted from 1.
+///
+/// Changing the list leaves the items as they are; see keyed_items.h for changing both.
+class VexQTkeysAtom final : public AtomOf<VexQTkeysAtom> {
+public:
+    static const AtomClass kClass;
+
+    const std::vector<VexQTKeyEntry>& keys() const { return keys_; }
+    std::vector<VexQTKeyEntry>& keys() { return keys_; }
+    void setKeys(std::vector<VexQTKeyEntry> keys) { keys_ = std::move(keys); }
+    std::size_t numberOfKeys() const { return keys_.size(); }
+
+private:
+    struct Layout;
+    void decodeKeys(AtomReader& in);
+    void encodeKeys(ByteWriter& out) const;
+
+    std::vector<VexQTKeyEntry> keys_;
+};
+
+}  // namespace vexqt
