@@ -90,7 +90,7 @@ constexpr CommandDescription kCommands[] = {
      .does = "sets values, then saves",
      .examples =
          "  vexqt set clip.mov moov.mvhd.creationDateTime=2024-05-01T12:00:00Z -o fixed.mov\n"
-         "  vexqt set clip.mov 'moov.trak[1].tkhd.layer=-1' 'moov.trak[1].tkhd.volume=0.5' "
+         "  vexqt set clip.mov 'moov.trak[1].tkhd.trackWidth=1920' 'moov.trak[1].tkhd.layer=3' "
          "--in-place\n"
          "  vexqt set clip.mov moov.trak.tkhd.matrix='0 1 0 -1 0 0 1080 0 1' --in-place\n",
      .files = Files::One,
