@@ -138,6 +138,8 @@ void JsonWriter::number(std::int64_t value) {
 
 void JsonWriter::number(double value) {
     if (!std::isfinite(value)) return null();
+    // Without a point it would read back as an integer, which has no such zero.
+    if (value == 0 && std::signbit(value)) return element("-0.0");
     beforeElement();
     char* room = out_.room(kLongestNumber);
     out_.advance(std::to_chars(room, room + kLongestNumber, value).ptr);

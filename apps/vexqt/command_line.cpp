@@ -90,7 +90,7 @@ constexpr CommandDescription kCommands[] = {
      .does = "sets values, then saves",
      .examples =
          "  vexqt set clip.mov moov.mvhd.creationDateTime=2024-05-01T12:00:00Z -o fixed.mov\n"
-         "  vexqt set clip.mov 'moov.trak[1].tkhd.layer=-1' 'moov.trak[1].tkhd.volume=0.5' "
+         "  vexqt set clip.mov 'moov.trak[1].tkhd.trackWidth=1920' 'moov.trak[1].tkhd.layer=3' "
          "--in-place\n"
          "  vexqt set clip.mov moov.trak.tkhd.matrix='0 1 0 -1 0 0 1080 0 1' --in-place\n",
      .files = Files::One,
@@ -287,6 +287,7 @@ std::string helpOf(const CommandDescription& command, const CLI::App& app) {
 
 struct Request {
     Arguments arguments;
+    std::vector<std::string> words;  ///< FILE and what stands behind it.
     std::string color = "auto";
     const CommandDescription* command = nullptr;
 };
@@ -306,16 +307,7 @@ void addSharedOptions(CLI::App& app, Request& request) {
 void addCommand(CLI::App& app, const CommandDescription& command, Request& request) {
     CLI::App& sub = *app.add_subcommand(std::string(command.name));
     Arguments& arguments = request.arguments;
-    // Without extra arguments, because with them "[a]" would be taken for a list of one element.
-    sub.add_option("FILE", arguments.files)
-        ->required()
-        ->allow_extra_args(false)
-        ->expected(1, command.files == Files::Several ? int{kAny} : 1);
-    if (command.operands.most > 0) {
-        sub.add_option("OPERAND", arguments.operands)
-            ->allow_extra_args(false)
-            ->expected(1, static_cast<int>(command.operands.most));
-    }
+    sub.add_option("FILE", request.words);
     if (command.saves == Saves::Edited) {
         sub.add_flag("--in-place", arguments.inPlace, "changes the file itself");
         sub.add_option("-o,--output", arguments.output, "changes a copy with this name")
@@ -326,14 +318,41 @@ void addCommand(CLI::App& app, const CommandDescription& command, Request& reque
     sub.callback([&request, &command] { request.command = &command; });
 }
 
-/// Says what is wrong with a command line that CLI11 took; empty for nothing.
-std::string mistakeIn(const Request& request) {
-    const Arguments& arguments = request.arguments;
+// CLI11 takes an argument such as "[a,b]" for the list of a and b. Here it is the name of a file.
+constexpr char kMask = '\x01';
+
+std::vector<std::string> masked(const std::vector<std::string>& words) {
+    std::vector<std::string> reversed(words.rbegin(), words.rend());
+    for (std::string& word : reversed)
+        if (word.starts_with('[') && word.ends_with(']')) word.insert(word.begin(), kMask);
+    return reversed;
+}
+
+void unmask(std::vector<std::string>& words) {
+    for (std::string& word : words)
+        if (word.starts_with(std::string{kMask, '['})) word.erase(0, 1);
+}
+
+/// Tells files and operands apart, and says what is wrong with them; empty for nothing.
+std::string mistakeIn(Request& request) {
+    Arguments& arguments = request.arguments;
     const CommandDescription& command = *request.command;
+    std::vector<std::string>& words = request.words;
+    unmask(words);
+    unmask(arguments.absent);
+    if (words.empty()) return "FILE is missing";
+    const std::size_t files = command.files == Files::Several ? words.size() : 1;
+    const auto operands = words.begin() + static_cast<std::ptrdiff_t>(files);
+    arguments.files.assign(words.begin(), operands);
+    arguments.operands.assign(operands, words.end());
+
     const std::string wanted = operandsUsage(command).erase(0, 1);
-    if (arguments.operands.size() < command.operands.least) return wanted + " is missing";
-    if (command.run == set && arguments.operands.empty() && arguments.absent.empty())
+    const bool isSetBare =
+        command.run == set && arguments.operands.empty() && arguments.absent.empty();
+    if (isSetBare || arguments.operands.size() < command.operands.least)
         return wanted + " is missing";
+    if (arguments.operands.size() > command.operands.most)
+        return "'" + arguments.operands[command.operands.most] + "' is one argument too many";
     if (command.saves == Saves::Edited && arguments.inPlace == arguments.output.has_value())
         return "either --in-place or -o OUT is needed";
     const bool changesFile = arguments.inPlace || command.run == save;
@@ -378,7 +397,7 @@ ExitStatus parseAndRun(const std::vector<std::string>& words, Console& console) 
     app.set_version_flag("--version", std::string(kVersion));
     for (const CommandDescription& each : kCommands) addCommand(app, each, request);
     try {
-        app.parse(std::vector<std::string>(words.rbegin(), words.rend()));
+        app.parse(masked(words));
     } catch (const CLI::CallForHelp&) {
         console.out.write(command != nullptr ? helpOf(*command, *app.get_subcommand(words.front()))
                                              : overview());

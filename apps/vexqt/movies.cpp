@@ -129,6 +129,18 @@ void listProblems(const std::string& file, const VexQTAsset& asset, Console& con
     }
 }
 
+/// A strict reading ends without an error at a brand that is not accepted.
+void explainBrand(const std::string& file, const VexQTAsset& asset, Console& console) {
+    const auto brand = integerFrom(asset.valueForKeyPath("ftyp.majorBrand"));
+    if (!brand || asset.valueForKey("isValid") == Value(true)) return;
+    std::string line = "ftyp at " + std::to_string(asset.rootAtoms().back()->extent().start) +
+                       ": major brand '" + textFromCode(static_cast<OSType>(*brand)) +
+                       "' is not accepted, only";
+    for (const OSType accepted : VexQTAsset::acceptedMajorBrands())
+        line += " '" + textFromCode(accepted) + "'";
+    console.complain(file, line + "; reading ended here, as --strict asks");
+}
+
 }  // namespace
 
 Bytes readAll(const std::string& file, Console& console) {
@@ -158,6 +170,7 @@ std::unique_ptr<VexQTAsset> readMovie(const std::string& file, const Arguments& 
                      ? VexQTAsset::initWithData(readAll(file, console), options)
                      : openMovie(file, options);
     listProblems(file, *asset, console);
+    if (arguments.strict) explainBrand(file, *asset, console);
     return asset;
 }
 

@@ -141,6 +141,10 @@ std::vector<std::string> namesOf(std::span<const Field> fields) {
     return names;
 }
 
+std::string howMany(std::size_t count) {
+    return count == 1 ? "there is 1 " : "there are " + std::to_string(count) + ' ';
+}
+
 [[noreturn]] void namesNothing(const std::string& path, const std::string& why) {
     throw PathError(PathError::Reason::NamesNothing, path + ": " + why);
 }
@@ -259,29 +263,27 @@ private:
 
     VexQTAtom& selected(const std::vector<VexQTAtom*>& found) const {
         const std::string& selector = *segment().selector;
+        const std::string name = quoted(segment().name);
         if (isDecimal(selector)) {
             const auto ordinal = ordinalFrom(selector);
             if (ordinal && *ordinal < found.size()) return *found[*ordinal];
-            namesNothing(path(),
-                         "there " +
-                             (found.size() == 1 ? std::string("is 1 ")
-                                                : "are " + std::to_string(found.size()) + ' ') +
-                             quoted(segment().name) + " in " + holder() + ", and the first is [0]");
+            namesNothing(path(), howMany(found.size()) + name + " in " + holder() +
+                                     ", and the first is [0]");
         }
+        const auto wanted = mediaSelectorFrom(selector);
         std::vector<std::string> types;
-        if (const auto wanted = mediaSelectorFrom(selector)) {
-            std::size_t ordinal = 0;
-            for (VexQTAtom* atom : found) {
-                const auto type = mediaTypeOf(*atom);
-                if (type == wanted->type && ordinal++ == wanted->ordinal) return *atom;
-            }
+        std::size_t ofWantedType = 0;
+        for (VexQTAtom* atom : found) {
+            const auto type = mediaTypeOf(*atom);
+            if (wanted && type == wanted->type && ofWantedType++ == wanted->ordinal) return *atom;
+            if (type) types.push_back(pathSegment(*type));
         }
-        for (const VexQTAtom* atom : found)
-            if (const auto type = mediaTypeOf(*atom)) types.push_back(pathSegment(*type));
-        namesNothing(path(), types.empty()
-                                 ? quoted(segment().name) + " has no media types to choose from"
-                                 : "no such media type, only " + listed(types) +
-                                       didYouMean(selector, types));
+        if (types.empty()) namesNothing(path(), name + " has no media types to choose from");
+        if (ofWantedType > 0)
+            namesNothing(path(),
+                         howMany(ofWantedType) + name + " of this media type, and the first is :0");
+        namesNothing(path(),
+                     "no such media type, only " + listed(types) + didYouMean(selector, types));
     }
 
     [[noreturn]] void namesNoAtom() const {

@@ -1,0 +1,70 @@
+// Calling the command inside of the test's own process.
+#pragma once
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "apps/vexqt/command_line.h"
+#include "testing/files.h"
+#include "testing/small_movie.h"
+
+namespace vexqt::cli {
+
+struct Called {
+    int status = -1;
+    std::string output, errors;
+};
+
+/// With standard input at its end.
+inline Called call(const std::vector<std::string>& arguments) {
+    TextOutput out, errors;
+    const int input = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
+    Called called;
+    called.status = run(arguments, out, errors, input);
+    ::close(input);
+    called.output = out.text();
+    called.errors = errors.text();
+    return called;
+}
+
+/// A folder with the small movie in it.
+class CommandTest : public ::testing::Test {
+protected:
+    CommandTest() { testing::writeFile(movie_, testing::smallMovie()); }
+
+    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    std::string write(const std::string& name, const Bytes& bytes) const {
+        testing::writeFile(folder_ / name, bytes);
+        return path(name);
+    }
+    /// What standard error has of a file: "vexqt: FILE: " in front of it, a line end behind.
+    static std::string said(const std::string& file, const std::string& what) {
+        return "vexqt: " + file + ": " + what + "\n";
+    }
+
+    testing::TemporaryFolder folder_;
+    const std::string movie_ = (folder_ / "clip.mov").string();
+};
+
+/// Restores the value that a variable of the environment had.
+class EnvironmentVariable {
+public:
+    EnvironmentVariable(const char* name, const char* value) : name_(name) {
+        if (const char* before = std::getenv(name)) before_ = before;
+        set(value);
+    }
+    ~EnvironmentVariable() { set(before_ ? before_->c_str() : nullptr); }
+    EnvironmentVariable(const EnvironmentVariable&) = delete;
+    EnvironmentVariable& operator=(const EnvironmentVariable&) = delete;
+
+private:
+    void set(const char* value) {
+        value != nullptr ? ::setenv(name_, value, 1) : ::unsetenv(name_);
+    }
+
+    const char* name_;
+    std::optional<std::string> before_;
+};
+
+}  // namespace vexqt::cli
