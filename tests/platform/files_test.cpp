@@ -176,6 +176,59 @@ TEST_P(FileSystems, AFileOpenForReadingCannotBeWritten) {
     EXPECT_EQ(readAll(*file), Bytes{1});
 }
 
+TEST_P(FileSystems, CreatePrivateRefusesWhatExists) {
+    write(files(), path("a"), Bytes{1, 2});
+    EXPECT_FALSE(files().createPrivate(path("a"), error));
+    EXPECT_EQ(error, std::errc::file_exists);
+    EXPECT_EQ(bytesOf(path("a")), (Bytes{1, 2}));
+    const auto file = files().createPrivate(path("b"), error);
+    ASSERT_TRUE(file);
+    EXPECT_FALSE(error);
+    file->writeAt(0, Bytes{3}, error);
+    EXPECT_EQ(bytesOf(path("b")), Bytes{3});
+}
+
+TEST_P(FileSystems, ATimeOfModificationThatIsSetStays) {
+    write(files(), path("a"), Bytes{1});
+    const auto file = files().openForWriting(path("a"), error);
+    const FileIdentity before = file->identity(error);
+    file->writeAt(0, Bytes{2}, error);
+    EXPECT_FALSE(file->identity(error).isSameState(before));
+    error = std::make_error_code(std::errc::io_error);
+    file->setModified(before.modifiedSeconds, before.modifiedNanoseconds, error);
+    EXPECT_FALSE(error);
+    EXPECT_EQ(file->identity(error), before);
+    file->setModified(1'000'000'007, 250'000'000, error);
+    const FileIdentity set = *files().identityOf(path("a"), error);
+    EXPECT_EQ(set.modifiedSeconds, 1'000'000'007);
+    EXPECT_EQ(set.modifiedNanoseconds, 250'000'000);
+    EXPECT_FALSE(set.isSameState(before));
+    EXPECT_TRUE(set.isSameFile(before));
+}
+
+TEST_P(FileSystems, ListsTheNamesInAFolder) {
+    files().makePrivateFolder(path("x") / "y", error);
+    EXPECT_FALSE(error) << error.message();
+    EXPECT_TRUE(files().list(path("x") / "y", error).empty());
+    EXPECT_FALSE(error);
+    write(files(), path("x") / "y" / "b", {});
+    write(files(), path("x") / "y" / "a", {});
+    write(files(), path("x") / "c", {});
+    error = std::make_error_code(std::errc::io_error);
+    auto names = files().list(path("x") / "y", error);
+    EXPECT_FALSE(error);
+    std::ranges::sort(names);
+    EXPECT_EQ(names, (std::vector<fs::path>{"a", "b"}));
+}
+
+TEST_P(FileSystems, MakesAFolderThatIsThereOnceMore) {
+    for (int i = 0; i < 2; ++i) {
+        error = std::make_error_code(std::errc::io_error);
+        files().makePrivateFolder(path("x"), error);
+        EXPECT_FALSE(error) << error.message();
+    }
+}
+
 TEST_P(FileSystems, CreateReplacesOrRefuses) {
     write(files(), path("a"), Bytes{1, 2});
     EXPECT_FALSE(files().create(path("a"), IfExists::Refuse, error));
@@ -370,6 +423,26 @@ TEST_F(SystemFiles, HardLinksAreOneFile) {
     const auto a = systemFiles().identityOf(path("a"), error);
     const auto b = systemFiles().identityOf(path("b"), error);
     EXPECT_TRUE(a->isSameFile(*b));
+}
+
+TEST_F(SystemFiles, PrivateFilesAndFoldersAreForTheirOwnerAlone) {
+    systemFiles().makePrivateFolder(path("x") / "y", error);
+    ASSERT_FALSE(error) << error.message();
+    systemFiles().createPrivate(path("x") / "y" / "a", error);
+    ASSERT_FALSE(error) << error.message();
+    EXPECT_EQ(fs::status(path("x")).permissions(), fs::perms(0700));
+    EXPECT_EQ(fs::status(path("x") / "y").permissions(), fs::perms(0700));
+    EXPECT_EQ(fs::status(path("x") / "y" / "a").permissions(), fs::perms(0600));
+}
+
+TEST_F(SystemFiles, AFolderWhereAFileIsCannotBeMade) {
+    write(systemFiles(), path("a"), {});
+    systemFiles().makePrivateFolder(path("a"), error);
+    EXPECT_EQ(error, std::errc::file_exists);
+    systemFiles().makePrivateFolder(path("a") / "b", error);
+    EXPECT_TRUE(error);
+    EXPECT_TRUE(systemFiles().list(path("none"), error).empty());
+    EXPECT_EQ(error, std::errc::no_such_file_or_directory);
 }
 
 TEST_F(SystemFiles, CopyKeepsPermissions) {

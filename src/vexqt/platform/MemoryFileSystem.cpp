@@ -11,15 +11,22 @@ namespace fs = std::filesystem;
 struct MemoryFileSystem::Node {
     std::uint64_t inode = 0;
     Bytes bytes;
-    std::int64_t changes = 0;  // Stands for the time of modification.
+    std::int64_t changes = 0;
+    std::int64_t modifiedSeconds = 0, modifiedNanoseconds = 0;
     const File* lockedBy = nullptr;
+
+    /// Time is counted in changes: no two states of a file are of the same time.
+    void change() {
+        modifiedSeconds = ++changes;
+        modifiedNanoseconds = 0;
+    }
 
     FileIdentity identity() const {
         return {.device = 0,
                 .inode = inode,
                 .size = bytes.size(),
-                .modifiedSeconds = changes,
-                .modifiedNanoseconds = 0,
+                .modifiedSeconds = modifiedSeconds,
+                .modifiedNanoseconds = modifiedNanoseconds,
                 .isRegular = true};
     }
 };
@@ -58,13 +65,13 @@ public:
         if (!mayBecome(std::max<std::uint64_t>(end, node_->bytes.size()), error)) return;
         if (end > node_->bytes.size()) node_->bytes.resize(end);
         std::ranges::copy(bytes, node_->bytes.begin() + static_cast<std::ptrdiff_t>(offset));
-        ++node_->changes;
+        node_->change();
     }
 
     void truncate(std::uint64_t size, std::error_code& error) override {
         if (!mayBecome(size, error)) return;
         node_->bytes.resize(size);
-        ++node_->changes;
+        node_->change();
     }
 
     void flush(std::error_code& error) override { error.clear(); }
@@ -72,6 +79,13 @@ public:
     FileIdentity identity(std::error_code& error) override {
         error.clear();
         return node_->identity();
+    }
+
+    void setModified(std::int64_t seconds, std::int64_t nanoseconds,
+                     std::error_code& error) override {
+        error.clear();
+        node_->modifiedSeconds = seconds;
+        node_->modifiedNanoseconds = nanoseconds;
     }
 
     void lock(std::error_code& error) override {
@@ -136,8 +150,13 @@ std::unique_ptr<File> MemoryFileSystem::create(const fs::path& path, IfExists if
     error.clear();
     if (!node) return openNode(make(path), Access::ReadAndWrite);
     node->bytes.clear();
-    ++node->changes;
+    node->change();
     return openNode(std::move(node), Access::ReadAndWrite);
+}
+
+std::unique_ptr<File> MemoryFileSystem::createPrivate(const fs::path& path,
+                                                      std::error_code& error) {
+    return create(path, IfExists::Refuse, error);
 }
 
 std::unique_ptr<File> MemoryFileSystem::copy(const fs::path& from, const fs::path& to,
@@ -174,6 +193,19 @@ void MemoryFileSystem::rename(const fs::path& from, const fs::path& to, std::err
 
 void MemoryFileSystem::remove(const fs::path& path, std::error_code& error) {
     if (find(path, error)) nodes_.erase(keyOf(path));
+}
+
+void MemoryFileSystem::makePrivateFolder(const fs::path& /*folder*/, std::error_code& error) {
+    error.clear();
+}
+
+std::vector<fs::path> MemoryFileSystem::list(const fs::path& folder, std::error_code& error) {
+    error.clear();
+    std::vector<fs::path> names;
+    for (const auto& [path, node] : nodes_)
+        if (path.parent_path() == keyOf(folder / "name").parent_path())
+            names.push_back(path.filename());
+    return names;
 }
 
 void MemoryFileSystem::flushDirectory(const fs::path& /*directory*/, std::error_code& error) {

@@ -29,6 +29,8 @@ public:
                                          std::error_code& error) override;
     std::unique_ptr<File> create(const std::filesystem::path& path, IfExists ifExists,
                                  std::error_code& error) override;
+    std::unique_ptr<File> createPrivate(const std::filesystem::path& path,
+                                        std::error_code& error) override;
     std::unique_ptr<File> copy(const std::filesystem::path& from, const std::filesystem::path& to,
                                const CopyProgress& progress, std::error_code& error) override;
     std::optional<FileIdentity> identityOf(const std::filesystem::path& path,
@@ -38,6 +40,9 @@ public:
     void rename(const std::filesystem::path& from, const std::filesystem::path& to,
                 std::error_code& error) override;
     void remove(const std::filesystem::path& path, std::error_code& error) override;
+    void makePrivateFolder(const std::filesystem::path& folder, std::error_code& error) override;
+    std::vector<std::filesystem::path> list(const std::filesystem::path& folder,
+                                            std::error_code& error) override;
     void flushDirectory(const std::filesystem::path& directory, std::error_code& error) override;
 
 private:

@@ -125,6 +125,13 @@ public:
         return error ? FileIdentity() : identityFrom(status);
     }
 
+    void setModified(std::int64_t seconds, std::int64_t nanoseconds,
+                     std::error_code& error) override {
+        const timespec times[] = {{.tv_sec = 0, .tv_nsec = UTIME_OMIT},
+                                  {.tv_sec = seconds, .tv_nsec = nanoseconds}};
+        uninterrupted(error, [&] { return ::futimens(descriptor_, times); });
+    }
+
     void lock(std::error_code& error) override {
         uninterrupted(error, [&] { return ::flock(descriptor_, LOCK_EX | LOCK_NB); });
     }
@@ -135,9 +142,10 @@ private:
     Descriptor descriptor_;
 };
 
-std::unique_ptr<SystemFile> openRegular(const fs::path& path, int flags, std::error_code& error) {
+std::unique_ptr<SystemFile> openRegular(const fs::path& path, int flags, std::error_code& error,
+                                        mode_t mode = 0666) {
     // Without O_NONBLOCK, opening a pipe would wait for somebody at its other end.
-    Descriptor descriptor = open(path, flags | O_NONBLOCK, error, 0666);
+    Descriptor descriptor = open(path, flags | O_NONBLOCK, error, mode);
     if (error) return nullptr;
     struct stat status = {};
     uninterrupted(error, [&] { return ::fstat(descriptor, &status); });
@@ -254,6 +262,10 @@ public:
             path, O_RDWR | O_CREAT | (ifExists == IfExists::Replace ? O_TRUNC : O_EXCL), error);
     }
 
+    std::unique_ptr<File> createPrivate(const fs::path& path, std::error_code& error) override {
+        return openRegular(path, O_RDWR | O_CREAT | O_EXCL, error, 0600);
+    }
+
     std::unique_ptr<File> copy(const fs::path& from, const fs::path& to,
                                const CopyProgress& progress, std::error_code& error) override {
         const auto source = openRegular(from, O_RDONLY, error);
@@ -292,6 +304,27 @@ public:
 
     void remove(const fs::path& path, std::error_code& error) override {
         uninterrupted(error, [&] { return ::unlink(path.c_str()); });
+    }
+
+    void makePrivateFolder(const fs::path& folder, std::error_code& error) override {
+        if (fs::is_directory(folder, error)) return;
+        if (folder.has_relative_path() && folder.has_parent_path()) {
+            makePrivateFolder(folder.parent_path(), error);
+            if (error) return;
+        }
+        uninterrupted(error, [&] { return ::mkdir(folder.c_str(), 0700); });
+        // Another process may have made it since.
+        std::error_code ignored;
+        if (error == std::errc::file_exists && fs::is_directory(folder, ignored)) error.clear();
+    }
+
+    std::vector<fs::path> list(const fs::path& folder, std::error_code& error) override {
+        std::vector<fs::path> names;
+        for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
+             entry.increment(error)) {
+            names.push_back(entry->path().filename());
+        }
+        return names;
     }
 
     void flushDirectory(const fs::path& directory, std::error_code& error) override {

@@ -14,6 +14,7 @@
 #include <optional>
 #include <span>
 #include <system_error>
+#include <vector>
 
 #include "vexqt/platform/bytes_types.h"
 
@@ -28,6 +29,11 @@ struct FileIdentity {
     bool isRegular = false;  ///< False for folders, pipes and devices.
 
     bool operator==(const FileIdentity&) const = default;
+    /// True for a file, or a copy of it, that nobody has written to in between.
+    bool isSameState(const FileIdentity& other) const {
+        return size == other.size && modifiedSeconds == other.modifiedSeconds &&
+               modifiedNanoseconds == other.modifiedNanoseconds;
+    }
     /// True for one file under two names or in two states.
     bool isSameFile(const FileIdentity& other) const {
         return device == other.device && inode == other.inode;
@@ -54,6 +60,9 @@ public:
     /// Returns when what was written would survive a power cut.
     virtual void flush(std::error_code& error) = 0;
     virtual FileIdentity identity(std::error_code& error) = 0;
+    /// Says that the file was last written to at that time. Only its owner may.
+    virtual void setModified(std::int64_t seconds, std::int64_t nanoseconds,
+                             std::error_code& error) = 0;
     /// Keeps others who lock it away; operation_would_block if one of them was first.
     virtual void lock(std::error_code& error) = 0;
 
@@ -84,6 +93,10 @@ public:
     /// An empty file, open for reading and writing. One that exists is emptied or file_exists.
     virtual std::unique_ptr<File> create(const std::filesystem::path& path, IfExists ifExists,
                                          std::error_code& error) = 0;
+    /// A new and empty file that its owner alone may read and write; file_exists if something has
+    /// that name.
+    virtual std::unique_ptr<File> createPrivate(const std::filesystem::path& path,
+                                                std::error_code& error) = 0;
     /// A new file with the bytes and permissions of another, open for reading and writing.
     /// Blocks are shared where the system can, holes stay holes. After an error nothing is left of
     /// it. The new file must not exist yet.
@@ -101,6 +114,12 @@ public:
     virtual void rename(const std::filesystem::path& from, const std::filesystem::path& to,
                         std::error_code& error) = 0;
     virtual void remove(const std::filesystem::path& path, std::error_code& error) = 0;
+    /// Makes a folder, and those above it that are missing, for their owner alone. One that exists
+    /// stays as it is.
+    virtual void makePrivateFolder(const std::filesystem::path& folder, std::error_code& error) = 0;
+    /// The names of what is in a folder, in no order.
+    virtual std::vector<std::filesystem::path> list(const std::filesystem::path& folder,
+                                                    std::error_code& error) = 0;
     /// Returns when the names in a folder, new and gone, would survive a power cut.
     virtual void flushDirectory(const std::filesystem::path& directory, std::error_code& error) = 0;
 

@@ -29,7 +29,7 @@ private:
                 const AtomAsRead& read, const std::string& path);
     void addDropped(const VexQTAtom& atom, const AtomAsRead& read, const std::string& path);
     void addSize(const VexQTAtom& atom, const std::string& path);
-    void report(std::string_view id, Severity severity, const std::string& path, ByteRange range,
+    void report(std::string_view id, Severity severity, const std::string& path, FileRange range,
                 std::string message) {
         findings_.push_back({id, severity, path, range, std::move(message)});
     }

@@ -1,25 +1,63 @@
+// What a save does to the bytes of a file.
 #pragma once
 
+#include <cstdint>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "vexqt/core/bytes.h"
 
 namespace vexqt {
 
+struct FileRange {
+    std::uint64_t offset = 0, length = 0;
+
+    std::uint64_t end() const { return offset + length; }
+    bool overlaps(const FileRange& other) const {
+        return offset < other.end() && other.offset < end();
+    }
+    bool operator==(const FileRange&) const = default;
+};
+
+/// Bytes and where they go.
 struct FileWrite {
     std::uint64_t offset = 0;
     SharedBytes bytes;
+
+    FileRange range() const { return {offset, bytes.size()}; }
 };
 
-/// What one save does to a file.
+/// All that changes in one file, which is done as a whole or not at all.
 struct FileChange {
-    std::vector<FileWrite> writes;  ///< Ascending, none overlapping another.
-    std::uint64_t oldLength = 0;
-    std::uint64_t newLength = 0;
-    /// The last write of a change whose other writes all lie at or beyond the old end: the one that
-    /// makes them take effect. At most 8 bytes.
+    /// In the order of their offsets, none reaching into the next. They cover all that the file
+    /// becomes longer by.
+    std::vector<FileWrite> writes;
+    std::uint64_t oldLength = 0, newLength = 0;
+
+    /// The few bytes that make the writes count, where all of these lie behind the old end: they
+    /// turn the type of the old movie into that of free space. Until then the old movie, which
+    /// comes first in the file, is the one that readers take; from then on it is the new one. No
+    /// journal is needed.
+    ///
+    /// Torn by a power cut they leave a type that no reader knows, and the new movie counts.
     std::optional<FileWrite> flip;
+
+    static constexpr std::size_t kLongestFlip = 8;
+
+    bool isEmpty() const;
+    /// What is wrong with it, empty if nothing is.
+    std::string_view flaw() const;
+    /// How many bytes are written, the flip included.
+    std::uint64_t bytesWritten() const;
+
+    /// A range whose bytes change, and the bytes that it gets.
+    struct Touched {
+        FileRange range;
+        ByteView newBytes;  ///< None for what is cut off.
+    };
+    /// In the order of their offsets: the flip, the writes, what is cut off.
+    std::vector<Touched> touched() const;
 };
 
 }  // namespace vexqt

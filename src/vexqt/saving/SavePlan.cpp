@@ -41,7 +41,7 @@ Bytes freeHeader(std::uint64_t length) {
 
 std::string quoted(OSType type) { return "'" + textFromCode(type) + "'"; }
 
-std::string bytesAt(const ByteRange& range) {
+std::string bytesAt(const FileRange& range) {
     return std::to_string(range.length) + " bytes at " + std::to_string(range.offset);
 }
 
@@ -76,7 +76,7 @@ std::string rootPath(const VexQTAsset& asset, const VexQTAtom& root) {
 
 // MARK: What both forms share
 
-void SavePlan::add(std::string_view id, Severity severity, std::optional<ByteRange> range,
+void SavePlan::add(std::string_view id, Severity severity, std::optional<FileRange> range,
                    std::string message, std::string path) {
     findings_.push_back({id, severity, std::move(path), range, std::move(message)});
 }
@@ -109,7 +109,7 @@ void SavePlan::checkSource(const VexQTAsset& asset, File& file) {
             const RootExtent* now = layout_.atomAt(extent.start);
             const bool isFreed = root->atomType() == "moov"_os && now != nullptr &&
                                  now->type == "free"_os && now->length == extent.length;
-            const ByteRange range = {extent.start, extent.length};
+            const FileRange range = {extent.start, extent.length};
             if (isFreed) {
                 add("read-again-first", Severity::Destroys, range,
                     "the movie was saved since it was read; read it again before saving",
@@ -131,9 +131,9 @@ void SavePlan::finishChange() {
         std::vector<FileWrite> pieces = {*later};
         for (const FileWrite& taken : disjoint) {
             std::vector<FileWrite> left;
-            const ByteRange over = {taken.offset, taken.bytes.size()};
+            const FileRange over = {taken.offset, taken.bytes.size()};
             for (const FileWrite& piece : pieces) {
-                const ByteRange range = {piece.offset, piece.bytes.size()};
+                const FileRange range = {piece.offset, piece.bytes.size()};
                 if (!range.overlaps(over)) {
                     left.push_back(piece);
                     continue;
@@ -205,7 +205,7 @@ void SavePlan::Surgical::addEdits(const VexQTAtom& root, const Surgery& surgery)
                                      ? "children were added, removed or moved"
                                      : "'" + std::string(edit.property) + "' was edited";
         const Extent extent = edit.atom->extent();
-        plan_.add("atom-changes", Severity::Note, ByteRange{extent.start, extent.length}, what,
+        plan_.add("atom-changes", Severity::Note, FileRange{extent.start, extent.length}, what,
                   std::move(path));
     }
 }
@@ -251,7 +251,7 @@ void SavePlan::Surgical::addIfRemoved(const Extent& extent) {
     for (const auto& root : asset_.rootAtoms())
         if (root->extent().start == extent.start && root->extent().length == extent.length) return;
     plan_.write(extent.start + 4, SharedBytes::copyOf(codeBytes("free"_os)));
-    plan_.add("atom-changes", Severity::Note, ByteRange{extent.start, extent.length},
+    plan_.add("atom-changes", Severity::Note, FileRange{extent.start, extent.length},
               "was removed and becomes free space");
     gentlest(Way::Patch);
 }
@@ -328,7 +328,7 @@ void SavePlan::Surgical::place(const VexQTAtom& root, const SharedBytes& bytes) 
     const bool isBoundToItsPlace = type == "ftyp"_os || type == "moof"_os;
     if (isBoundToItsPlace && !isNew) {
         plan_.add("no-room", Severity::Destroys,
-                  ByteRange{root.extent().start, root.extent().length},
+                  FileRange{root.extent().start, root.extent().length},
                   quoted(type) + " would need " + std::to_string(bytes.size()) +
                       " bytes and cannot be moved; no free space follows it",
                   rootPath(asset_, root));
@@ -364,10 +364,10 @@ bool SavePlan::Surgical::closeOpenEnd() {
 
 void SavePlan::Surgical::move(const VexQTAtom& root, const SharedBytes& bytes, std::size_t index) {
     const bool isMovie = root.atomType() == "moov"_os;
-    const ByteRange old = {root.extent().start, root.extent().length};
+    const FileRange old = {root.extent().start, root.extent().length};
     if (!future_.atoms.empty() && future_.atoms.back().isOpenEnded && !closeOpenEnd()) {
         const RootExtent& last = future_.atoms.back();
-        plan_.add("no-room", Severity::Destroys, ByteRange{last.start, last.length},
+        plan_.add("no-room", Severity::Destroys, FileRange{last.start, last.length},
                   quoted(last.type) +
                       " reaches to the end of the file and its size field is too "
                       "short for its size; nothing can be written behind it",
@@ -392,7 +392,7 @@ void SavePlan::Surgical::move(const VexQTAtom& root, const SharedBytes& bytes, s
     }
     const std::uint64_t start = future_.end();
     if (start < future_.fileLength) {
-        const ByteRange left = {start, future_.fileLength - start};
+        const FileRange left = {start, future_.fileLength - start};
         plan_.add("overwrites-atom", Severity::Changes, left,
                   bytesAt(left) + " behind the last atom are no atom and are written over");
     }
@@ -423,7 +423,7 @@ public:
 private:
     void checkAtoms();
     void checkMovies();
-    void checkPlace(const ByteRange& newMovie);
+    void checkPlace(const FileRange& newMovie);
 
     SavePlan& plan_;
     VexQTAsset& asset_;
@@ -447,7 +447,7 @@ void SavePlan::Exact::make() {
     for (std::size_t i = 0; i < writes.size(); ++i) {
         const SharedBytes bytes = SharedBytes::copyOf(writes[i].bytes);
         plan_.write(writes[i].offset, bytes);
-        const ByteRange range = {writes[i].offset, bytes.size()};
+        const FileRange range = {writes[i].offset, bytes.size()};
         plan_.change_.newLength = std::max(plan_.change_.newLength, range.end());
         if (i < movies) continue;  // A header that frees an old movie.
         const VexQTAtom* movie = nullptr;
@@ -485,7 +485,7 @@ void SavePlan::Exact::checkMovies() {
         if (movie == nullptr || movie->atomType() != "moov"_os) continue;
         ++movies;
         const Extent extent = movie->extent();
-        const ByteRange range = {extent.start, extent.length};
+        const FileRange range = {extent.start, extent.length};
         const std::string path = rootPath(asset_, *root);
         if (extent.headerLength == 16) {
             plan_.add("movie-header-64bit", Severity::Destroys, range,
@@ -511,7 +511,7 @@ void SavePlan::Exact::checkMovies() {
     }
     for (const RootExtent& atom : plan_.layout_.atoms) {
         if (atom.type == "mdat"_os && atom.isCut) {
-            plan_.add("media-past-end", Severity::Changes, ByteRange{atom.start, atom.length},
+            plan_.add("media-past-end", Severity::Changes, FileRange{atom.start, atom.length},
                       "the media claims to end past the end of the file; the new movie would be "
                       "written behind that, and zeros between");
         }
@@ -521,11 +521,11 @@ void SavePlan::Exact::checkMovies() {
             plan_.add("damaged", Severity::Changes, {}, problem.message, problem.path);
 }
 
-void SavePlan::Exact::checkPlace(const ByteRange& newMovie) {
+void SavePlan::Exact::checkPlace(const FileRange& newMovie) {
     const auto isOldMovie = [&](const RootExtent& atom) { return atom.type == "moov"_os; };
     bool isFirstMedia = true;
     for (const RootExtent& atom : plan_.layout_.atoms) {
-        const ByteRange range = {atom.start, atom.length};
+        const FileRange range = {atom.start, atom.length};
         if (range.overlaps(newMovie) && !isOldMovie(atom) && !atom.isFreeSpace()) {
             plan_.add("overwrites-atom", Severity::Destroys, range,
                       quoted(atom.type) + " of " + bytesAt(range) + " would be written over");
@@ -533,7 +533,7 @@ void SavePlan::Exact::checkPlace(const ByteRange& newMovie) {
         const bool endsInside = newMovie.end() > range.offset && newMovie.end() < range.end();
         if (endsInside) {
             plan_.add("stale-bytes", Severity::Changes,
-                      ByteRange{newMovie.end(), range.end() - newMovie.end()},
+                      FileRange{newMovie.end(), range.end() - newMovie.end()},
                       "the last " + std::to_string(range.end() - newMovie.end()) + " bytes of " +
                           quoted(atom.type) +
                           " would be left behind the new movie, where a header "
@@ -544,7 +544,7 @@ void SavePlan::Exact::checkPlace(const ByteRange& newMovie) {
             const auto movie = std::ranges::find_if(plan_.layout_.atoms, isOldMovie);
             if (movie != plan_.layout_.atoms.end() && movie->start < atom.start) {
                 plan_.add("movie-no-longer-first", Severity::Changes,
-                          ByteRange{movie->start, movie->length},
+                          FileRange{movie->start, movie->length},
                           "the movie lay in front of its media and will lie behind it: playing it "
                           "from a network will start later");
             }

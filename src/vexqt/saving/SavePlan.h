@@ -56,7 +56,7 @@ private:
     class Surgical;
     class Exact;
 
-    void add(std::string_view id, Severity severity, std::optional<ByteRange> range,
+    void add(std::string_view id, Severity severity, std::optional<FileRange> range,
              std::string message, std::string path = {});
     void checkSource(const VexQTAsset& asset, File& file);
     void write(std::uint64_t offset, const SharedBytes& bytes);

@@ -1,0 +1,45 @@
+// What is done about a change that was interrupted.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "vexqt/platform/files.h"
+#include "vexqt/saving/SaveFailure.h"
+
+namespace vexqt {
+
+enum class Recovery {
+    NothingToDo,  ///< No journal lies beside the movie.
+    RolledBack,   ///< The movie is what it was before the interrupted save.
+    Discarded,    ///< The journal said nothing about the movie and was removed.
+    Refused,      ///< The movie was changed after the interruption; it and the journal stay.
+    Failed,       ///< The movie and its journal are in need of recovery as before.
+};
+
+struct RecoveryResult {
+    Recovery outcome = Recovery::NothingToDo;
+    std::string text;  ///< For people; says it all.
+    std::filesystem::path journal;
+    std::optional<SaveFailure> failure;
+};
+
+enum class IfChanged {
+    Refuse,
+    /// Puts the old bytes back where they were, or gives up a journal that is damaged.
+    RecoverAnyway,
+};
+
+/// The journal beside a movie, if there is one. It may be that of a save that goes on at this
+/// moment.
+std::optional<std::filesystem::path> findJournal(FileSystem& files,
+                                                 const std::filesystem::path& path,
+                                                 std::error_code& error);
+
+/// Ends what a save that was interrupted has begun. It may be interrupted itself and then be done
+/// again.
+RecoveryResult recover(FileSystem& files, const std::filesystem::path& path,
+                       IfChanged ifChanged = IfChanged::Refuse);
+
+}  // namespace vexqt
