@@ -31,6 +31,8 @@ public:
     /// \throws EncodingError where an edit has no form in the file, and Error when the file cannot
     /// be read.
     static SavePlan of(VexQTAsset& asset, File& file, SaveForm form);
+    /// A plan to do nothing.
+    SavePlan() = default;
 
     Way way() const { return way_; }
     SaveForm form() const { return form_; }
@@ -62,7 +64,7 @@ private:
     void write(std::uint64_t offset, const SharedBytes& bytes);
     void finishChange();
 
-    SaveForm form_;
+    SaveForm form_ = SaveForm::Surgical;
     Way way_ = Way::Nothing;
     FileLayout layout_;
     FileChange change_;

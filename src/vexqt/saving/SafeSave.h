@@ -1,0 +1,53 @@
+// Saving as people mean it: what was edited is in the file afterwards, and nothing else has
+// changed.
+#pragma once
+
+#include "vexqt/saving/SaveFailure.h"
+#include "vexqt/saving/SavePlan.h"
+
+namespace vexqt {
+
+struct SaveOptions {
+    SaveForm form = SaveForm::Surgical;
+    /// Save although something will be destroyed.
+    bool force = false;
+    /// Told while bytes are kept and written.
+    CopyProgress progress = {};
+};
+
+struct SaveResult {
+    enum class Outcome {
+        Saved,
+        NothingToDo,  ///< Nobody edited anything; the file was not touched.
+        Refused,      ///< It would destroy something; the plan's findings say what.
+        Failed        ///< The file is as it was, unless the failure says otherwise.
+    };
+
+    Outcome outcome = Outcome::Failed;
+    SavePlan plan;  ///< Empty when the file could not be opened.
+    std::optional<SaveFailure> failure;
+    std::vector<std::string> notes;  ///< What a person should know about a save that went well.
+};
+
+/// Saves an asset into the file that it was read from.
+///
+/// What will be written is read back and compared with the tree in memory before a byte is written,
+/// the file is checked to be still the one that was read, and what was written is read again before
+/// it counts. A crash at any moment leaves the old movie or the new one; recover() ends what an
+/// interrupted save has begun.
+///
+/// The asset keeps telling where things lay before; read the file again before saving once more.
+/// \throws EncodingError where an edit has no form in the file.
+SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options = {},
+                       FileSystem& files = systemFiles());
+
+/// Saves an asset into a copy of the file that it was read from. The copy takes its name only when
+/// it is whole, and replaces what had that name.
+SaveResult saveCopy(VexQTAsset& asset, const std::filesystem::path& copy,
+                    const SaveOptions& options = {}, FileSystem& files = systemFiles());
+
+/// The path of the first atom of a new movie that does not read back as it is in memory; absent
+/// when all of it does.
+std::optional<std::string> firstNotAsMeant(const SavePlan& plan);
+
+}  // namespace vexqt
