@@ -50,6 +50,7 @@ struct VexQTstsdAtom::Layout {
         {.decode = findMediaType},
         versionKept,
         flagsKept,
+        childCount,
         irregular<&Atom::decodeEntries, &Atom::encodeEntries>().holdingChildren(),
         property<&Atom::mediaType_>("mediaType").as(Display::Code),
     };
@@ -59,7 +60,7 @@ struct VexQTstsdAtom::Layout {
 void VexQTstsdAtom::decodeEntries(AtomReader& in) {
     const AtomClass& cls = entryClassOf(mediaType_);
     ChildMaker maker(*this, in);
-    for (std::uint32_t count = in.u32(); count > 0; --count) {
+    for (std::uint32_t count = childCountBefore(in); count > 0; --count) {
         ByteReader ahead = in;
         const std::uint32_t size = ahead.u32();
         const OSType format = ahead.u32();
@@ -70,10 +71,7 @@ void VexQTstsdAtom::decodeEntries(AtomReader& in) {
     in.rest();
 }
 
-void VexQTstsdAtom::encodeEntries(ByteWriter& out) const {
-    out.u32(static_cast<std::uint32_t>(children().size()));
-    appendChildren(*this, out);
-}
+void VexQTstsdAtom::encodeEntries(ByteWriter& out) const { appendChildren(*this, out); }
 
 constinit const AtomClass VexQTstsdAtom::kClass = {
     .type = "stsd"_os,
