@@ -32,6 +32,15 @@ inline constexpr Field childAtoms = {
                  AtomReader& in) { static_cast<ContainerAtom&>(record).decodeChildren(in); },
     .encode = appendChildren};
 
+/// The row of children that a class reads in a way of its own.
+template <auto Decode>
+constexpr Field childAtomsReadBy() {
+    using Owner = decltype(ownerOf(Decode));
+    Field row = {.holdsChildren = true, .encode = appendChildren};
+    row.decode = [](Record& record, AtomReader& in) { (static_cast<Owner&>(record).*Decode)(in); };
+    return row;
+}
+
 /// The row of how many children there are. Whether the number that is read bounds them is for the
 /// row of the children to say, which stands next.
 inline constexpr Field childCount = {

@@ -58,7 +58,7 @@ struct VexQTchanAtom::Layout {
         field<&Atom::channelLayoutTag_, Hex<U32>>("channelLayoutTag"),
         field<&Atom::channelBitmap_, Hex<U32>>("channelBitmap"),
         childCount,
-        irregular<&Atom::decodeDescriptions, &Atom::encodeDescriptions>().holdingChildren(),
+        childAtomsReadBy<&Atom::decodeDescriptions>(),
         irregular<&Atom::decodeEmptyDescription, &Atom::encodeEmptyDescription>(),
         property<&Atom::appendEmptyChannelDescription_>("appendEmptyChannelDescription"),
     };
@@ -79,8 +79,6 @@ void VexQTchanAtom::decodeDescriptions(AtomReader& in) {
                   {.parent = nullptr, .lineWhenNone = {}});
     in.rest();
 }
-
-void VexQTchanAtom::encodeDescriptions(ByteWriter& out) const { appendChildren(*this, out); }
 
 /// What is left over here follows a count of 0.
 void VexQTchanAtom::decodeEmptyDescription(AtomReader& in) {

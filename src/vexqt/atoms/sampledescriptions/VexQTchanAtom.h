@@ -56,7 +56,6 @@ public:
 private:
     struct Layout;
     void decodeDescriptions(AtomReader& in);
-    void encodeDescriptions(ByteWriter& out) const;
     void decodeEmptyDescription(AtomReader& in);
     void encodeEmptyDescription(ByteWriter& out) const;
 

@@ -51,12 +51,12 @@ struct VexQTstsdAtom::Layout {
         versionKept,
         flagsKept,
         childCount,
-        irregular<&Atom::decodeEntries, &Atom::encodeEntries>().holdingChildren(),
+        childAtomsReadBy<&Atom::decodeEntries>(),
         property<&Atom::mediaType_>("mediaType").as(Display::Code),
     };
 };
 
-/// An entry that is not there ends the reading: the count is not taken for a bound.
+/// The count is believed: an entry that is not there is a RangeError.
 void VexQTstsdAtom::decodeEntries(AtomReader& in) {
     const AtomClass& cls = entryClassOf(mediaType_);
     ChildMaker maker(*this, in);
@@ -70,8 +70,6 @@ void VexQTstsdAtom::decodeEntries(AtomReader& in) {
     }
     in.rest();
 }
-
-void VexQTstsdAtom::encodeEntries(ByteWriter& out) const { appendChildren(*this, out); }
 
 constinit const AtomClass VexQTstsdAtom::kClass = {
     .type = "stsd"_os,
