@@ -113,6 +113,7 @@ VexQTAtom* ChildMaker::add(const AtomClass* cls, OSType type, std::uint64_t size
         }
         if (Survey* survey = in_.context().survey()) {
             survey->children.push_back({.start = start, .end = in_.position()});
+            holder_.addChild(std::make_unique<VexQTAtom>());  // Stands in for it in counts.
             return nullptr;
         }
         holder_.addChild(isLongEnough

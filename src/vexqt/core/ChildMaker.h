@@ -30,7 +30,7 @@ public:
 
     /// Takes the next bytes, makes a child of them and adds it to the holder. Without a class they
     /// are taken and dropped, unless their size is wrong. Gives the child, null for none: a survey
-    /// makes none at all.
+    /// only counts them.
     /// \throws InsertionError when the class declines the bytes, and what decoding them raises.
     VexQTAtom* add(const AtomClass* cls, OSType type, std::uint64_t size,
                    const Particulars& particulars);

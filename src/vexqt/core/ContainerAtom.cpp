@@ -27,6 +27,12 @@ void ContainerAtom::decodeChildren(AtomReader& in) {
     }
 }
 
+std::uint32_t childCountBefore(const AtomReader& in) {
+    ByteReader before = in;
+    before.seek(in.position() - childCount.width);
+    return before.u32();
+}
+
 void appendChildren(const Record& atom, ByteWriter& out) {
     for (const auto& child : static_cast<const VexQTAtom&>(atom).children()) child->appendTo(out);
 }

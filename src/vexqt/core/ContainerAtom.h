@@ -32,6 +32,28 @@ inline constexpr Field childAtoms = {
                  AtomReader& in) { static_cast<ContainerAtom&>(record).decodeChildren(in); },
     .encode = appendChildren};
 
+/// The row of children that a class reads in a way of its own.
+template <auto Decode>
+constexpr Field childAtomsReadBy() {
+    using Owner = decltype(ownerOf(Decode));
+    Field row = {.holdsChildren = true, .encode = appendChildren};
+    row.decode = [](Record& record, AtomReader& in) { (static_cast<Owner&>(record).*Decode)(in); };
+    return row;
+}
+
+/// The row of how many children there are. Whether the number that is read bounds them is for the
+/// row of the children to say, which stands next.
+inline constexpr Field childCount = {
+    .width = 4,
+    .decode = [](Record&, AtomReader& in) { in.skip(4); },
+    .encode =
+        [](const Record& atom, ByteWriter& out) {
+            out.u32(
+                static_cast<std::uint32_t>(static_cast<const VexQTAtom&>(atom).children().size()));
+        }};
+/// The number in the row childCount, for the row that stands next.
+std::uint32_t childCountBefore(const AtomReader& in);
+
 /// All the rows of a plain container.
 inline constexpr Field kOnlyChildAtoms[] = {childAtoms};
 

@@ -5,7 +5,8 @@
 
 namespace vexqt {
 
-/// An atom as it was read, without its children, and where its parts lie in its bytes.
+/// An atom as it was read, empty atoms in the place of its children, and where its parts lie in its
+/// bytes.
 struct AtomAsRead {
     explicit AtomAsRead(const VexQTAtom& atom);
 

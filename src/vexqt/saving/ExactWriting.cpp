@@ -53,6 +53,10 @@ std::uint64_t startInFile(const VexQTAtom& atom) {
 
 void Comparison::addRow(const VexQTAtom& atom, const Field& row, const Survey::Part& part,
                         const AtomAsRead& read, const std::string& path) {
+    const AtomClass& cls = atom.atomClass();
+    const bool holdsSize = cls.header == HeaderRule::None && part.start == 0 &&
+                           cls.writtenHeader == WrittenHeader::InRows;
+    if (holdsSize) return;  // It is put in at the end: addSize tells of it.
     const SharedBytes shared = read.part(part.start, part.end);
     const ByteView was = shared.view();
     const std::string_view name = nameOfRow(atom.atomClass(), row);
@@ -69,7 +73,6 @@ void Comparison::addRow(const VexQTAtom& atom, const Field& row, const Survey::P
     }
     const bool isEdited = wouldBe != now;
     Bytes written = now.value_or(Bytes());
-    const AtomClass& cls = atom.atomClass();
     if (cls.header != HeaderRule::None && cls.writtenHeader == WrittenHeader::InRows) {
         // This row writes the header too, and reads what follows it.
         written.erase(written.begin(), written.begin() + static_cast<std::ptrdiff_t>(part.start));

@@ -57,10 +57,12 @@ struct VexQTchanAtom::Layout {
         flagsKept,
         field<&Atom::channelLayoutTag_, Hex<U32>>("channelLayoutTag"),
         field<&Atom::channelBitmap_, Hex<U32>>("channelBitmap"),
-        irregular<&Atom::decodeDescriptions, &Atom::encodeDescriptions>().holdingChildren(),
+        childCount,
+        childAtomsReadBy<&Atom::decodeDescriptions>(),
+        irregular<&Atom::decodeEmptyDescription, &Atom::encodeEmptyDescription>(),
         property<&Atom::appendEmptyChannelDescription_>("appendEmptyChannelDescription"),
     };
-    static_assert(wireWidth(fields) == 12, "24 bytes less the header and the count");
+    static_assert(wireWidth(fields) == 16, "24 bytes less the header; descriptions follow");
 };
 
 VexQTchanAtom::VexQTchanAtom() {
@@ -70,20 +72,21 @@ VexQTchanAtom::VexQTchanAtom() {
 
 /// As many descriptions as fit: of their count only whether it is 0 is asked.
 void VexQTchanAtom::decodeDescriptions(AtomReader& in) {
-    if (in.u32() == 0) {
-        appendEmptyChannelDescription_ = in.remaining() > 0;
-    } else {
-        ChildMaker maker(*this, in);
-        while (in.remaining() >= kDescriptionLength)
-            maker.add(&VexQTChannelDescription::kClass, kAnyType, kDescriptionLength,
-                      {.parent = nullptr, .lineWhenNone = {}});
-    }
+    if (childCountBefore(in) == 0) return;
+    ChildMaker maker(*this, in);
+    while (in.remaining() >= kDescriptionLength)
+        maker.add(&VexQTChannelDescription::kClass, kAnyType, kDescriptionLength,
+                  {.parent = nullptr, .lineWhenNone = {}});
     in.rest();
 }
 
-void VexQTchanAtom::encodeDescriptions(ByteWriter& out) const {
-    out.u32(static_cast<std::uint32_t>(children().size()));
-    appendChildren(*this, out);
+/// What is left over here follows a count of 0.
+void VexQTchanAtom::decodeEmptyDescription(AtomReader& in) {
+    appendEmptyChannelDescription_ = in.remaining() > 0;
+    in.rest();
+}
+
+void VexQTchanAtom::encodeEmptyDescription(ByteWriter& out) const {
     if (children().empty() && appendEmptyChannelDescription_) out.zeros(kDescriptionLength);
 }
 

@@ -56,7 +56,8 @@ public:
 private:
     struct Layout;
     void decodeDescriptions(AtomReader& in);
-    void encodeDescriptions(ByteWriter& out) const;
+    void decodeEmptyDescription(AtomReader& in);
+    void encodeEmptyDescription(ByteWriter& out) const;
 
     std::uint32_t channelLayoutTag_ = 0;
     std::uint32_t channelBitmap_ = 0;

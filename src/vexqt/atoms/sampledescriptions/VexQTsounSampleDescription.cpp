@@ -69,7 +69,7 @@ struct VexQTsounSampleDescription::Layout {
             field<&Atom::constLPCMFramesPerAudioPacket_, U32>("constLPCMFramesPerAudioPacket")
                 .in("frames")),
 
-        irregular<&Atom::decodeExtensionAtoms, &Atom::encodeExtensionAtoms>().holdingChildren(),
+        childAtomsReadBy<&Atom::decodeExtensionAtoms>(),
         derived<&Atom::hideV1Fields>("hideV1Fields"), derived<&Atom::hideV2Fields>("hideV2Fields"));
     static_assert(wireWidth(fields) == 36, "the fields of versions 1 and 2 follow");
     static constexpr auto listing = entryListing<fields>();
@@ -79,10 +79,6 @@ struct VexQTsounSampleDescription::Layout {
 void VexQTsounSampleDescription::decodeExtensionAtoms(AtomReader& in) {
     decodeExtensions(in, {.leastSize = 8, .lineWhenDeclined = {}});
     in.rest();
-}
-
-void VexQTsounSampleDescription::encodeExtensionAtoms(ByteWriter& out) const {
-    appendChildren(*this, out);
 }
 
 static constexpr ChildRule kExtensions[] = {

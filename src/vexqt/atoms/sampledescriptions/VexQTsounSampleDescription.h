@@ -78,7 +78,6 @@ private:
     bool isVersion1() const { return soundVersion_ == 1; }
     bool isVersion2() const { return soundVersion_ == 2; }
     void decodeExtensionAtoms(AtomReader& in);
-    void encodeExtensionAtoms(ByteWriter& out) const;
 
     OSType vendor_ = kAnyType;
     std::uint16_t soundVersion_ = 0;

@@ -50,16 +50,17 @@ struct VexQTstsdAtom::Layout {
         {.decode = findMediaType},
         versionKept,
         flagsKept,
-        irregular<&Atom::decodeEntries, &Atom::encodeEntries>().holdingChildren(),
+        childCount,
+        childAtomsReadBy<&Atom::decodeEntries>(),
         property<&Atom::mediaType_>("mediaType").as(Display::Code),
     };
 };
 
-/// An entry that is not there ends the reading: the count is not taken for a bound.
+/// The count is believed: an entry that is not there is a RangeError.
 void VexQTstsdAtom::decodeEntries(AtomReader& in) {
     const AtomClass& cls = entryClassOf(mediaType_);
     ChildMaker maker(*this, in);
-    for (std::uint32_t count = in.u32(); count > 0; --count) {
+    for (std::uint32_t count = childCountBefore(in); count > 0; --count) {
         ByteReader ahead = in;
         const std::uint32_t size = ahead.u32();
         const OSType format = ahead.u32();
@@ -68,11 +69,6 @@ void VexQTstsdAtom::decodeEntries(AtomReader& in) {
                   {.parent = this, .lineWhenNone = "newSampleDescription == nil"});
     }
     in.rest();
-}
-
-void VexQTstsdAtom::encodeEntries(ByteWriter& out) const {
-    out.u32(static_cast<std::uint32_t>(children().size()));
-    appendChildren(*this, out);
 }
 
 constinit const AtomClass VexQTstsdAtom::kClass = {

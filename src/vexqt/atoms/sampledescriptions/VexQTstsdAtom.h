@@ -20,7 +20,6 @@ public:
 private:
     struct Layout;
     void decodeEntries(AtomReader& in);
-    void encodeEntries(ByteWriter& out) const;
 
     OSType mediaType_ = kAnyType;
 };

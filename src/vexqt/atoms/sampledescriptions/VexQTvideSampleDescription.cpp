@@ -69,7 +69,7 @@ struct VexQTvideSampleDescription::Layout {
         field<&Atom::compressorName_, CompressorName>("compressorName"),
         field<&Atom::depth_, U16>("depth").in("bits per pixel"),
         field<&Atom::colorTableID_, Signed<std::int16_t>>("colorTableID"), skippedBehindColorTable0,
-        irregular<&Atom::decodeExtensionAtoms, &Atom::encodeExtensionAtoms>().holdingChildren(),
+        childAtomsReadBy<&Atom::decodeExtensionAtoms>(),
         irregular<&Atom::decodeZeroWord, &Atom::encodeZeroWord>(),
         property<&Atom::appendZeroWord_>("appendZeroWord"));
     static_assert(wireWidth(fields) == 86, "extension atoms follow");
@@ -79,10 +79,6 @@ struct VexQTvideSampleDescription::Layout {
 /// A size from 1 to 7 does not end the walk: its atom's class reads past it and raises.
 void VexQTvideSampleDescription::decodeExtensionAtoms(AtomReader& in) {
     decodeExtensions(in, {.leastSize = 1, .lineWhenDeclined = "newAtom == nil"});
-}
-
-void VexQTvideSampleDescription::encodeExtensionAtoms(ByteWriter& out) const {
-    appendChildren(*this, out);
 }
 
 /// Whatever else is left over when the walk ends is lost.

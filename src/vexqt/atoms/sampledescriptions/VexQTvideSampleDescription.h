@@ -58,7 +58,6 @@ private:
     struct Layout;
     bool hasColorTable0() const { return colorTableID_ == 0; }
     void decodeExtensionAtoms(AtomReader& in);
-    void encodeExtensionAtoms(ByteWriter& out) const;
     void decodeZeroWord(AtomReader& in);
     void encodeZeroWord(ByteWriter& out) const;
 
