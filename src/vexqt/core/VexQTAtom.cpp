@@ -1,5 +1,7 @@
 #include "vexqt/core/VexQTAtom.h"
 
+#include <cassert>
+
 #include "vexqt/core/ContainerAtom.h"
 
 namespace vexqt {
@@ -96,6 +98,20 @@ VexQTAtom::VexQTAtom(const VexQTAtom& other)
       type_(other.type_),
       version_(other.version_),
       flags_(other.flags_) {}
+
+VexQTAtom& VexQTAtom::operator=(const VexQTAtom& other) {
+    assert(&class_ == &other.class_);
+    parent_ = other.parent_;
+    size_ = other.size_;
+    offsetInFile_ = other.offsetInFile_;
+    origin_ = other.origin_;
+    unknownFrom_ = other.unknownFrom_;
+    extras_ = other.extras_ ? std::make_unique<Extras>(*other.extras_) : nullptr;
+    type_ = other.type_;
+    version_ = other.version_;
+    flags_ = other.flags_;
+    return *this;
+}
 
 std::unique_ptr<VexQTAtom> VexQTAtom::initWithData(ByteView data, VexQTAtom* parent,
                                                    std::uint64_t offsetInFile) {

@@ -35,7 +35,6 @@ public:
     static std::unique_ptr<VexQTAtom> initWithData(ByteView data, VexQTAtom* parent,
                                                    std::uint64_t offsetInFile);
     virtual ~VexQTAtom() = default;
-    VexQTAtom& operator=(const VexQTAtom&) = delete;
 
     /// Decodes the complete bytes of one atom of a class. Null when the class refuses their number.
     static std::unique_ptr<VexQTAtom> make(const AtomClass& cls, const SharedBytes& bytes,
@@ -181,6 +180,7 @@ protected:
     explicit VexQTAtom(const AtomClass& cls) : class_(cls), type_(cls.type) {}
     /// For entries that are atoms and stand by value in a list: everything but the children.
     VexQTAtom(const VexQTAtom& other);
+    VexQTAtom& operator=(const VexQTAtom& other);
 
     /// The size to write before an atom of that many bytes. Overridden where the two differ.
     virtual std::uint64_t declaredSize(std::uint64_t byteCount) const { return byteCount; }
