@@ -1,6 +1,16 @@
 #include "vexqt/atoms/structure/VexQTgmhdAtom.h"
 
+#include "vexqt/atoms/headers/VexQTgminAtom.h"
+#include "vexqt/atoms/headers/VexQTtextAtom.h"
+#include "vexqt/atoms/headers/VexQTtmcdAtom.h"
+
 namespace vexqt {
+
+static constexpr ChildRule kChildren[] = {
+    {.cls = &VexQTgminAtom::kClass},
+    {.cls = &VexQTtextAtom::kClass},
+    {.cls = &VexQTtmcdAtom::kClass},
+};
 
 constinit const AtomClass VexQTgmhdAtom::kClass = {
     .type = "gmhd"_os,
@@ -10,6 +20,7 @@ constinit const AtomClass VexQTgmhdAtom::kClass = {
     .writtenHeader = WrittenHeader::AsHeld,
     .typeRule = TypeRule::Restored,
     .fields = kOnlyChildAtoms,
+    .children = kChildren,
     .create = create<VexQTgmhdAtom>,
 };
 

@@ -1,6 +1,8 @@
 #include "vexqt/atoms/structure/VexQTminfAtom.h"
 
 #include "vexqt/atoms/headers/VexQThdlrAtom.h"
+#include "vexqt/atoms/headers/VexQTsmhdAtom.h"
+#include "vexqt/atoms/headers/VexQTvmhdAtom.h"
 #include "vexqt/atoms/structure/VexQTdinfAtom.h"
 #include "vexqt/atoms/structure/VexQTgmhdAtom.h"
 #include "vexqt/atoms/structure/VexQTstblAtom.h"
@@ -8,10 +10,9 @@
 namespace vexqt {
 
 static constexpr ChildRule kChildren[] = {
-    {.cls = &VexQTgmhdAtom::kClass},
-    {.cls = &VexQThdlrAtom::kClass},
-    {.cls = &VexQTdinfAtom::kClass},
-    {.cls = &VexQTstblAtom::kClass},
+    {.cls = &VexQTvmhdAtom::kClass}, {.cls = &VexQTsmhdAtom::kClass},
+    {.cls = &VexQTgmhdAtom::kClass}, {.cls = &VexQThdlrAtom::kClass},
+    {.cls = &VexQTdinfAtom::kClass}, {.cls = &VexQTstblAtom::kClass},
 };
 
 constinit const AtomClass VexQTminfAtom::kClass = {
