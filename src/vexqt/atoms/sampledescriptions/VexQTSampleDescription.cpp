@@ -32,7 +32,7 @@ constinit const AtomClass VexQTSampleDescription::kClass = {
 };
 
 VexQTSampleDescription::VexQTSampleDescription(OSType dataFormat)
-    : VexQTAtom(kClass), dataFormat_(dataFormat) {
+    : ContainerAtom(kClass), dataFormat_(dataFormat) {
     setAtomType(dataFormat);
 }
 

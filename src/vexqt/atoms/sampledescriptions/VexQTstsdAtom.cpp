@@ -1,6 +1,10 @@
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 
+#include "vexqt/atoms/sampledescriptions/VexQTclcpSampleDescription.h"
+#include "vexqt/atoms/sampledescriptions/VexQTmetaSampleDescription.h"
+#include "vexqt/atoms/sampledescriptions/VexQTsbtlSampleDescription.h"
 #include "vexqt/atoms/sampledescriptions/VexQTsounSampleDescription.h"
+#include "vexqt/atoms/sampledescriptions/VexQTtmcdSampleDescription.h"
 #include "vexqt/atoms/sampledescriptions/VexQTvideSampleDescription.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
 #include "vexqt/core/ChildMaker.h"
@@ -19,6 +23,10 @@ struct EntryClass {
 constexpr EntryClass kEntryClasses[] = {
     {"vide"_os, &VexQTvideSampleDescription::kClass},
     {"soun"_os, &VexQTsounSampleDescription::kClass},
+    {"tmcd"_os, &VexQTtmcdSampleDescription::kClass},
+    {"sbtl"_os, &VexQTsbtlSampleDescription::kClass},
+    {"clcp"_os, &VexQTclcpSampleDescription::kClass},
+    {"meta"_os, &VexQTmetaSampleDescription::kClass},
 };
 
 const AtomClass& entryClassOf(OSType mediaType) {

@@ -36,6 +36,15 @@ constexpr auto entryRows(const Rows&... rows) {
         {Common::size, Common::format, reserved<6>(), Common::dataReference, rows...});
 }
 
+/// A common row of a class that does not read and write it in its place.
+constexpr Field notInFile(const Field& common) {
+    Field row = common;
+    row.width = 0;
+    row.decode = nullptr;
+    row.encode = nullptr;
+    return row;
+}
+
 /// The properties of an entry in the order in which people expect them, whatever its class: the
 /// format comes first.
 template <const auto& fields>

@@ -1,0 +1,94 @@
+#include "vexqt/atoms/sampledescriptions/VexQTmetaSampleDescription.h"
+
+#include "vexqt/atoms/sampledescriptions/VexQTmebxkeysAtom.h"
+#include "vexqt/atoms/sampledescriptions/entry_rows.h"
+#include "vexqt/core/ChildMaker.h"
+#include "vexqt/core/full_atom.h"
+
+namespace vexqt {
+
+struct VexQTmetaSampleDescription::Layout {
+    using Atom = VexQTmetaSampleDescription;
+    static constexpr Field fields[] = {
+        notInFile(CommonRows::format),
+        notInFile(CommonRows::dataReference),
+        notInFile(CommonRows::size),
+        accessors<&Atom::originalData, &Atom::setOriginalData>("originalData"),
+        property<&Atom::firstFlags_>("firstFlags").as(Display::Hexadecimal),
+        property<&Atom::tcFlags_>("tcFlags").as(Display::Hexadecimal),
+        property<&Atom::timeScale_>("timeScale"),
+        property<&Atom::frameDuration_>("frameDuration"),
+        property<&Atom::numFrames_>("numFrames"),
+        property<&Atom::languageCode_>("languageCode"),
+        property<&Atom::sourceName_>("sourceName"),
+        irregular<&Atom::decodeVersion, &Atom::encodeCommonFields>(),
+        irregular<&Atom::decodeKeyTables, &Atom::encodeKeyTable>().holdingChildren(),
+    };
+};
+
+void VexQTmetaSampleDescription::appendTo(ByteWriter& out) {
+    if (children().size() == 1) VexQTAtom::appendTo(out);
+}
+
+/// Reserved bytes are taken for a version and flags, and the data reference is skipped.
+void VexQTmetaSampleDescription::decodeVersion(AtomReader& in) {
+    originalData_ = origin();
+    rows::readVersion(*this, in);
+    rows::readFlags(*this, in);
+    in.seek(in.position() + 4);
+}
+
+/// The format and the data reference are the usual ones, whatever was read.
+void VexQTmetaSampleDescription::encodeCommonFields(ByteWriter& out) const {
+    out.zeros(4);  // The size.
+    out.u32("mebx"_os);
+    out.zeros(6);
+    out.u16(1);
+}
+
+/// A child that is no key table is not looked into: one that reaches past the end just ends the
+/// walk.
+void VexQTmetaSampleDescription::decodeKeyTables(AtomReader& in) {
+    ChildMaker maker(*this, in);
+    while (in.remaining() > 8) {
+        const auto header = maker.peek();
+        const bool reachesEnd = header.size == 0 && !header.isExtended;
+        const std::uint64_t size = reachesEnd ? in.length() - 8 : header.size;
+        if (header.type == VexQTmebxkeysAtom::kClass.type) {
+            maker.add(&VexQTmebxkeysAtom::kClass, header.type, size);
+            continue;
+        }
+        if (size == 0) throw RangeError("a size of 0 does not move forward", in.position());
+        if (size > in.remaining()) break;
+        in.skip(size);
+    }
+    in.rest();
+}
+
+void VexQTmetaSampleDescription::encodeKeyTable(ByteWriter& out) const {
+    appendChildren(*this, out);
+}
+
+std::optional<Bytes> VexQTmetaSampleDescription::originalData() const {
+    if (!originalData_) return std::nullopt;
+    const ByteView bytes = originalData_->view();
+    return Bytes(bytes.begin(), bytes.end());
+}
+
+void VexQTmetaSampleDescription::setOriginalData(std::optional<Bytes> bytes) {
+    originalData_.reset();
+    if (bytes) originalData_ = SharedBytes::copyOf(*bytes);
+}
+
+constinit const AtomClass VexQTmetaSampleDescription::kClass = {
+    .type = "meta"_os,
+    .className = "VexQTmetaSampleDescription",
+    .atomName = "Metadata Sample Description",
+    .nibName = "VexQTmetaAtom",
+    .header = HeaderRule::Read,
+    .writtenHeader = WrittenHeader::InRows,
+    .fields = Layout::fields,
+    .create = create<VexQTmetaSampleDescription>,
+};
+
+}  // namespace vexqt
