@@ -6,6 +6,7 @@
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
 #include "vexqt/atoms/structure/VexQTsinfAtom.h"
+#include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
 namespace {
@@ -135,6 +136,16 @@ TEST(ClcpSampleDescription, DescribesEveryEntryOfACaptionTrack) {
     EXPECT_EQ(table->valueForKeyPath("clcp.reserved1"), Value(text("abcdef")));
     EXPECT_EQ(table->children()[0]->children()[0]->offsetInFile(), 132U);
     EXPECT_EQ(table->atomData(), bytes);
+}
+
+TEST(ClcpSampleDescription, KeepsAChildThatItLeavesOutWhenItIsEditedCarefully) {
+    const auto entry = read(entryWith({kOther, atomClaiming(13, "abcd"_os, {u32(7)})}));
+    entry->setDataReferenceIndex(5);
+    const SharedBytes written = Surgery().written(*entry).flat();
+    Bytes expected = entryWith({kOther, atomClaiming(13, "abcd"_os, {u32(7)})});
+    expected[14] = 0;
+    expected[15] = 5;
+    EXPECT_TRUE(std::ranges::equal(written.view(), expected));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include "vexqt/atoms/sampledescriptions/VexQTmebxkeysAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
+#include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
 namespace {
@@ -197,6 +198,21 @@ TEST(MetaSampleDescription, DescribesEveryEntryOfAMetadataTrack) {
         EXPECT_TRUE(dynamic_cast<VexQTmetaSampleDescription*>(child.get()));
     // The entry that encodes to nothing is counted all the same.
     EXPECT_EQ(table->atomData(), atom("stsd"_os, {u32(0), u32(2), entryWith({kKeys})}));
+}
+
+TEST(MetaSampleDescription, KeepsAllButTheKeyTableWhenAKeyIsEditedCarefully) {
+    const auto withKeys = [](ByteView keys) {
+        return atom("mebx"_os, {u8(3), u8(4), u8(5), u8(6), u16(0x0708), u16(2),
+                                atom("btrt"_os, {u32(1)}), keys, atom("abcd"_os, {u32(2)})});
+    };
+    const auto entry = read(withKeys(kKeys));
+    dynamic_cast<VexQTmebxkeysAtom&>(*entry->children()[0]).keys()[0].setValue("a.bcd");
+    const SharedBytes written = Surgery().written(*entry).flat();
+    EXPECT_TRUE(std::ranges::equal(
+        written.view(),
+        withKeys(
+            atom("keys"_os, {atom(0x01020304, {atom("keyd"_os, {text("mdta"), text("a.bcd")}),
+                                               atom("dtyp"_os, {u64(0x05060708090A0B0C)})})}))));
 }
 
 }  // namespace

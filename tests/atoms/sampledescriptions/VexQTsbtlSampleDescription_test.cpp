@@ -7,6 +7,7 @@
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTtx3gAtom.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
+#include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
 namespace {
@@ -152,6 +153,18 @@ TEST(SbtlSampleDescription, KeepsATimedTextThatIsTooShortInATolerantReading) {
     ASSERT_EQ(entry->children().size(), 1U);
     EXPECT_EQ(entry->children()[0]->declinedClass(), "VexQTtx3gAtom");
     EXPECT_EQ(entry->atomData(), bytes);
+}
+
+TEST(SbtlSampleDescription, GrowsWithAFontNameThatIsEditedCarefully) {
+    const auto entry = read(kTimedText);
+    const Value fonts = entry->valueForKeyPath("tx3g.ftab");
+    auto& table = dynamic_cast<VexQTftabAtom&>(*std::get<VexQTAtom*>(fonts));
+    table.fontTableEntries()[0].setFontName("Sans-Serif");
+    const SharedBytes written = Surgery().written(*entry).flat();
+    EXPECT_TRUE(std::ranges::equal(
+        written.view(),
+        atom("tx3g"_os, {zeros(6), u16(3), u32(0x20000000), zeros(26),
+                         atom("ftab"_os, {u16(1), u16(7), u8(10), text("Sans-Serif")})})));
 }
 
 }  // namespace

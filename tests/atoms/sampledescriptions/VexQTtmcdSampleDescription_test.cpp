@@ -5,6 +5,7 @@
 #include "testing/bytes.h"
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
+#include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
 namespace {
@@ -214,6 +215,16 @@ TEST(TmcdSampleDescription, DescribesEveryEntryOfATimecodeTrack) {
     EXPECT_EQ(table->children()[1]->offsetInFile(), 150U);
     EXPECT_EQ(table->children()[1]->parent(), table.get());
     EXPECT_EQ(table->atomData(), bytes);
+}
+
+TEST(TmcdSampleDescription, KeepsWhatFollowsTheNameWhenTheNameIsEditedCarefully) {
+    const auto entry = read(
+        join({beforeSource(58), u32(16), text("name"), u16(4), u16(0x1415), text("Tapemore1234")}));
+    entry->setSourceName("Reel 2");
+    const SharedBytes written = Surgery().written(*entry).flat();
+    EXPECT_TRUE(
+        std::ranges::equal(written.view(), join({beforeSource(60), u32(18), text("name"), u16(6),
+                                                 u16(0x1415), text("Reel 2more1234")})));
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 
 #include "testing/bytes.h"
 #include "vexqt/atoms/sampledescriptions/VexQTftabAtom.h"
+#include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
 namespace {
@@ -200,6 +201,23 @@ TEST(Tx3gAtom, ListsItsPropertiesWithColorsAndSidesTogether) {
                          "verticalJustification", "backgroundColor", "fontColor", "textBoxTop",
                          "textBoxBottom", "textBoxLeft", "textBoxRight", "startChar", "endChar",
                          "fontID", "fontFace", "fontSize"}));
+}
+
+// Writers put a bit rate behind the font table, which is read for fonts.
+TEST(Tx3gAtom, KeepsWhatFollowsItsFontsWhenAFontIsEditedCarefully) {
+    const auto withFont = [](std::string_view name) {
+        return atom("tx3g"_os,
+                    {kRecord,
+                     atom("ftab"_os,
+                          {u16(1), u16(7), u8(static_cast<std::uint8_t>(name.size())), text(name)}),
+                     atom("btrt"_os, {u32(0), u32(0x4000), u32(0x4000)})});
+    };
+    const auto description = VexQTtx3gAtom::initWithData(withFont("Arial"), nullptr, 0);
+    auto& fonts = dynamic_cast<VexQTftabAtom&>(*description->children().front());
+    ASSERT_EQ(fonts.fontTableEntries().size(), 2U);
+    fonts.fontTableEntries()[0].setFontName("Roman");
+    const SharedBytes written = Surgery().written(*description).flat();
+    EXPECT_TRUE(std::ranges::equal(written.view(), withFont("Roman")));
 }
 
 }  // namespace

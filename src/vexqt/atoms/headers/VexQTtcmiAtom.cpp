@@ -62,7 +62,6 @@ struct VexQTtcmiAtom::Layout {
 void VexQTtcmiAtom::decodeFontName(AtomReader& in) {
     const std::size_t claimed = in.u8();
     fontName_ = textFromASCII(upToZero(in.take(std::min(claimed, in.remaining()))));
-    in.rest();
 }
 
 void VexQTtcmiAtom::encodeFontName(ByteWriter& out) const {

@@ -44,12 +44,11 @@ void VexQTclcpSampleDescription::decodeChildAtoms(AtomReader& in) {
     ChildMaker maker(*this, in);
     while (in.remaining() > 8) {
         const auto header = maker.peek();
-        if (!header.isExtended && header.size > in.remaining()) break;
+        if (!header.isExtended && header.size > in.remaining()) return;
         const bool reachesEnd = header.size == 0 && !header.isExtended;
         const std::uint64_t size = reachesEnd ? in.length() - 8 : header.size;
         maker.add(classOfChild(atomClass().children, header.type, size), header.type, size);
     }
-    in.rest();
 }
 
 void VexQTclcpSampleDescription::encodeChildAtoms(ByteWriter& out) const {

@@ -29,7 +29,6 @@ void VexQTFontTableEntry::decodeName(AtomReader& in) {
     setParent(nullptr);
     const std::size_t length = in.u8();
     fontName_ = textFromASCII(upToZero(in.take(length)));
-    in.rest();
 }
 
 /// Of a name's length only the low byte is written, but of the name all.
@@ -62,11 +61,19 @@ std::unique_ptr<VexQTFontTableEntry> VexQTFontTableEntry::initWithData(ByteView 
 struct VexQTftabAtom::Layout {
     using Atom = VexQTftabAtom;
     static constexpr Field fields[] = {
+        irregular<&Atom::decodeCount, &Atom::encodeCount>(),
         irregular<&Atom::decodeEntries, &Atom::encodeEntries>(),
         entryList<&Atom::fontTableEntries_, VexQTFontTableEntry::Layout::columns>(
             "fontTableEntries"),
     };
 };
+
+/// The count only says whether there are entries: they are read until the bytes run out.
+void VexQTftabAtom::decodeCount(AtomReader& in) { hasEntriesToRead_ = in.u16() != 0; }
+
+void VexQTftabAtom::encodeCount(ByteWriter& out) const {
+    out.u16(static_cast<std::uint16_t>(fontTableEntries_.size()));
+}
 
 /// What the length byte of the entry at the reader's position says.
 static std::size_t nameLengthAhead(ByteReader in) {
@@ -74,29 +81,21 @@ static std::size_t nameLengthAhead(ByteReader in) {
     return in.u8();
 }
 
-/// The count only says whether there are entries: they are read until the bytes run out. A name
-/// that runs past the end is left out and ends the table.
+/// An entry whose name runs past the end is left out and ends the table.
 void VexQTftabAtom::decodeEntries(AtomReader& in) {
-    const std::uint16_t count = in.u16();
-    if (count == 0 || in.remaining() < 2) {
-        in.rest();
-        return;
-    }
+    if (!hasEntriesToRead_ || in.remaining() < 2) return;
+    ReadContext ofEntries;
     while (in.remaining() != 0) {
         const std::uint64_t offsetOfEntry = offsetInFile() + in.position();
         const std::size_t length = kBeforeName + nameLengthAhead(in);
-        if (length > in.remaining()) {
-            in.rest();
-            return;
-        }
+        if (length > in.remaining()) return;
         const auto entry = make(VexQTFontTableEntry::kClass, in.takeShared(length), nullptr,
-                                offsetOfEntry, in.context());
+                                offsetOfEntry, ofEntries);
         fontTableEntries_.push_back(static_cast<const VexQTFontTableEntry&>(*entry));
     }
 }
 
 void VexQTftabAtom::encodeEntries(ByteWriter& out) const {
-    out.u16(static_cast<std::uint16_t>(fontTableEntries_.size()));
     for (VexQTFontTableEntry& entry : fontTableEntries_) entry.appendTo(out);
 }
 

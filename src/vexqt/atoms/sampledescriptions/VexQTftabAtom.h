@@ -48,9 +48,12 @@ public:
 
 private:
     struct Layout;
+    void decodeCount(AtomReader& in);
+    void encodeCount(ByteWriter& out) const;
     void decodeEntries(AtomReader& in);
     void encodeEntries(ByteWriter& out) const;
 
+    bool hasEntriesToRead_ = false;
     mutable std::vector<VexQTFontTableEntry> fontTableEntries_;  ///< Writing one stores its size.
 };
 

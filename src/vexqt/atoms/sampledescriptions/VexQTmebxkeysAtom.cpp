@@ -70,14 +70,13 @@ static std::optional<VexQTmebxkeyEntry> keyFrom(std::uint32_t index, ByteReader 
 /// A record that is shorter than its header ends the table, one that runs past the end is cut.
 void VexQTmebxkeysAtom::decodeKeys(AtomReader& in) {
     while (in.remaining() >= kHeaderLength) {
-        const std::uint32_t size = in.u32();
-        const std::uint32_t index = in.u32();
-        if (size < kHeaderLength) break;
-        const std::size_t length = std::min<std::size_t>(size - kHeaderLength, in.remaining());
-        if (auto key = keyFrom(index, ByteReader(in.take(length))))
-            keys_.push_back(*std::move(key));
+        ByteReader ahead = in;
+        const std::uint32_t size = ahead.u32();
+        const std::uint32_t index = ahead.u32();
+        if (size < kHeaderLength) return;
+        ByteReader record(in.take(std::min<std::size_t>(size, in.remaining())), kHeaderLength);
+        if (auto key = keyFrom(index, record)) keys_.push_back(*std::move(key));
     }
-    in.rest();
 }
 
 void VexQTmebxkeysAtom::encodeKeys(ByteWriter& out) const {

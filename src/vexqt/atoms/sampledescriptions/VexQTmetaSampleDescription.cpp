@@ -21,13 +21,17 @@ struct VexQTmetaSampleDescription::Layout {
         property<&Atom::numFrames_>("numFrames"),
         property<&Atom::languageCode_>("languageCode"),
         property<&Atom::sourceName_>("sourceName"),
-        irregular<&Atom::decodeVersion, &Atom::encodeCommonFields>(),
+        irregular<&Atom::decodeVersion, &Atom::encodeDataReference>(),
         irregular<&Atom::decodeKeyTables, &Atom::encodeKeyTable>().holdingChildren(),
     };
 };
 
+/// The format is the usual one as well.
 void VexQTmetaSampleDescription::appendTo(ByteWriter& out) {
-    if (children().size() == 1) VexQTAtom::appendTo(out);
+    if (children().size() != 1) return;
+    const std::size_t start = out.length();
+    VexQTAtom::appendTo(out);
+    out.patchU32(start + 4, "mebx"_os);
 }
 
 /// Reserved bytes are taken for a version and flags, and the data reference is skipped.
@@ -35,13 +39,11 @@ void VexQTmetaSampleDescription::decodeVersion(AtomReader& in) {
     originalData_ = origin();
     rows::readVersion(*this, in);
     rows::readFlags(*this, in);
-    in.seek(in.position() + 4);
+    in.skip(std::min<std::size_t>(4, in.remaining()));
 }
 
-/// The format and the data reference are the usual ones, whatever was read.
-void VexQTmetaSampleDescription::encodeCommonFields(ByteWriter& out) const {
-    out.zeros(4);  // The size.
-    out.u32("mebx"_os);
+/// The data reference is the usual one, whatever was read.
+void VexQTmetaSampleDescription::encodeDataReference(ByteWriter& out) const {
     out.zeros(6);
     out.u16(1);
 }
@@ -59,10 +61,9 @@ void VexQTmetaSampleDescription::decodeKeyTables(AtomReader& in) {
             continue;
         }
         if (size == 0) throw RangeError("a size of 0 does not move forward", in.position());
-        if (size > in.remaining()) break;
+        if (size > in.remaining()) return;
         in.skip(size);
     }
-    in.rest();
 }
 
 void VexQTmetaSampleDescription::encodeKeyTable(ByteWriter& out) const {
@@ -86,7 +87,6 @@ constinit const AtomClass VexQTmetaSampleDescription::kClass = {
     .atomName = "Metadata Sample Description",
     .nibName = "VexQTmetaAtom",
     .header = HeaderRule::Read,
-    .writtenHeader = WrittenHeader::InRows,
     .fields = Layout::fields,
     .create = create<VexQTmetaSampleDescription>,
 };

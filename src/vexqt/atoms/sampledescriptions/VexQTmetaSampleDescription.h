@@ -21,7 +21,7 @@ public:
 private:
     struct Layout;
     void decodeVersion(AtomReader& in);
-    void encodeCommonFields(ByteWriter& out) const;
+    void encodeDataReference(ByteWriter& out) const;
     void decodeKeyTables(AtomReader& in);
     void encodeKeyTable(ByteWriter& out) const;
 

@@ -24,13 +24,11 @@ struct VexQTtmcdSampleDescription::Layout {
 
 /// Neither the record's size nor its type is looked at, and what follows the name is lost.
 void VexQTtmcdSampleDescription::decodeSource(AtomReader& in) {
-    if (in.remaining() >= kSourceRecord) {
-        in.skip(8);
-        const std::size_t length = in.u16();
-        languageCode_ = in.u16();
-        sourceName_ = textFromASCII(upToZero(in.take(std::min(length, in.remaining()))));
-    }
-    in.rest();
+    if (in.remaining() < kSourceRecord) return;
+    in.skip(8);
+    const std::size_t length = in.u16();
+    languageCode_ = in.u16();
+    sourceName_ = textFromASCII(upToZero(in.take(std::min(length, in.remaining()))));
 }
 
 /// A name that is not ASCII is written as a record without one.
