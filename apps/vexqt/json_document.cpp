@@ -29,6 +29,14 @@ struct ValueWriter {
     void operator()(float value) const { json.number(double{value}); }
     void operator()(const Bytes& value) const { json.hex(value); }
     void operator()(const Number& value) const { std::visit(*this, value.held()); }
+    void operator()(const Picture& value) const {
+        json.beginObject(Form::Inline);
+        json.key("width");
+        json.number(std::uint64_t{value.width()});
+        json.key("height");
+        json.number(std::uint64_t{value.height()});
+        json.endObject();
+    }
     void operator()(const Matrix& value) const {
         json.beginArray(Form::Inline);
         for (const double element : value) json.number(element);

@@ -391,6 +391,10 @@ Extent VexQTAtom::extent() const {
     return {offsetInFile_, headerLength, bytes.size()};
 }
 
+void VexQTAtom::keepPayload() {
+    keepUnknownDataFrom(readHeader(origin_.view(), HeaderRule::Generic).length);
+}
+
 void VexQTAtom::keepRest(AtomReader& in) {
     keepUnknownDataFrom(in.position());
     in.rest();

@@ -190,6 +190,9 @@ protected:
     /// Keeps what follows an offset in the bytes read as the raw remainder.
     void keepUnknownDataFrom(std::size_t offset) { unknownFrom_ = offset; }
     void dropUnknownData() { unknownFrom_ = kAbsent; }
+    /// Keeps all that follows the header as the raw remainder, as a generic atom does, wherever the
+    /// fields begin.
+    void keepPayload();
     // For the row of a raw remainder: everything that is left.
     void keepRest(AtomReader& in);
     void appendRest(ByteWriter& out) const;

@@ -31,13 +31,11 @@ Bytes VexQTKeyEntry::atomData() const {
 struct VexQTkeysAtom::Layout {
     using Atom = VexQTkeysAtom;
 
-    /// The payload is kept beside the list, although it is never written. The fields lie behind 8
-    /// bytes whatever the header.
-    static void keepPayload(Record& record, AtomReader& in) {
+    /// The payload is kept beside the list, although it is never written.
+    static void keepPayload(Record& record, AtomReader&) {
         auto& atom = static_cast<Atom&>(record);
-        atom.keepUnknownDataFrom(in.position());
+        atom.keepPayload();
         atom.setAtomType(kClass.type);
-        in.seek(8);
     }
     static constexpr Field fields[] = {
         {.decode = keepPayload},
@@ -72,7 +70,7 @@ constinit const AtomClass VexQTkeysAtom::kClass = {
     .className = "VexQTkeysAtom",
     .atomName = "Metadata Keys",
     .nibName = "VexQTkeysAtom",
-    .header = HeaderRule::Generic,
+    .header = HeaderRule::GenericFieldsAtEight,
     .typeRule = TypeRule::AsHeld,
     .fields = Layout::fields,
     .create = create<VexQTkeysAtom>,

@@ -60,8 +60,10 @@ constinit const AtomClass VexQTDataReference::kClass = {
 
 struct VexQTdrefAtom::Layout {
     using Atom = VexQTdrefAtom;
-    static void keepPayload(Record& record, AtomReader& in) {
-        static_cast<Atom&>(record).keepPayload(in);
+    static void keepPayload(Record& record, AtomReader&) {
+        auto& atom = static_cast<Atom&>(record);
+        atom.keepPayload();
+        atom.setAtomType(kClass.type);
     }
     static void decodeEntries(Record& record, AtomReader& in) {
         static_cast<Atom&>(record).decodeEntries(in);
@@ -84,16 +86,6 @@ struct VexQTdrefAtom::Layout {
         {.holdsChildren = true, .decode = decodeEntries, .encode = appendChildren},
     };
 };
-
-/// The raw remainder begins behind the whole header, of 16 bytes where its size is extended and not
-/// just the header's own. The fields begin behind 8 bytes all the same.
-void VexQTdrefAtom::keepPayload(AtomReader& in) {
-    ByteReader header(origin().view());
-    const bool isExtended = header.u32() == 1;
-    header.skip(sizeof(OSType));
-    keepUnknownDataFrom(isExtended && header.u64() != 16 ? 16 : in.position());
-    setAtomType(kClass.type);
-}
 
 /// The count is no more than an upper bound: entries that are not there are none.
 void VexQTdrefAtom::decodeEntries(AtomReader& in) {

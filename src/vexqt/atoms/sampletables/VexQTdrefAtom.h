@@ -34,7 +34,6 @@ public:
 
 private:
     struct Layout;
-    void keepPayload(AtomReader& in);
     void decodeEntries(AtomReader& in);
 
     std::size_t entriesRead_ = 0;
