@@ -242,6 +242,7 @@ Bytes VexQTAtom::headerData() const {
 
 Bytes VexQTAtom::atomData() {
     ByteWriter out;
+    out.reserve(origin_.size());  // Most atoms are written in about the length they were read in.
     appendTo(out);
     return out.release();
 }
