@@ -129,6 +129,26 @@ TEST(Nesting, TakesLittleStackALevel) {
 #endif
 }
 
+TEST(Problems, NameTheirPlaceAmongTheSiblingsOfTheirType) {
+    const Bytes good = atom("leaf"_os, {zeros(4)});
+    const Bytes bad = atom("leaf"_os, {zeros(5)});
+    const Bytes bytes = atom("nest"_os, {
+                                            good,
+                                            atom("nest"_os, {bad, good, bad}),
+                                            bad,
+                                            atom("nest"_os, {good, good, bad}),
+                                            atom("free"_os, {u8(0)}),
+                                            atom("nest"_os, {bad}),
+                                            bad,
+                                        });
+    std::vector<std::string> paths;
+    for (const Problem& problem : readTolerantly<Nest>(bytes).problems)
+        paths.push_back(problem.path);
+    EXPECT_EQ(paths, (std::vector<std::string>{"nest.nest.leaf", "nest.nest.leaf[2]",
+                                               "nest.leaf[1]", "nest.nest[1].leaf[2]",
+                                               "nest.nest[2].leaf", "nest.leaf[2]"}));
+}
+
 TEST(Problems, AreListedUpToAThousand) {
     Bytes leaves;
     for (int i = 0; i < 1500; ++i) leaves = join({leaves, atom("leaf"_os, {zeros(5)})});

@@ -1,8 +1,5 @@
 #include "vexqt/core/ReadContext.h"
 
-#include <algorithm>
-#include <span>
-
 #include "vexqt/core/VexQTAtom.h"
 
 namespace vexqt {
@@ -24,15 +21,33 @@ void ReadContext::renameInnermost(OSType type) {
     if (!steps_.empty()) steps_.back()->type_ = type;
 }
 
+std::size_t ReadContext::countOfType(OSType type, std::size_t level, const Siblings& siblings,
+                                     std::size_t before) {
+    if (counts_.size() <= level) counts_.resize(level + 1);
+    Counts& counts = counts_[level];
+    if (counts.siblings != &siblings || counts.upTo > before) counts = {.siblings = &siblings};
+    for (; counts.upTo < before; ++counts.upTo) ++counts.ofType[siblings[counts.upTo]->atomType()];
+    const auto found = counts.ofType.find(type);
+    return found != counts.ofType.end() ? found->second : 0;
+}
+
 ReadContext::Step::Step(ReadContext& context, OSType type, const Siblings& siblings)
-    : context_(context), type_(type), siblings_(siblings), before_(siblings.size()) {
+    : context_(context),
+      type_(type),
+      siblings_(siblings),
+      before_(siblings.size()),
+      level_(context.steps_.size()) {
     context_.steps_.push_back(this);
 }
 
+ReadContext::Step::~Step() {
+    context_.steps_.pop_back();
+    // The children of this atom will not be named again.
+    if (context_.counts_.size() > level_ + 1) context_.counts_.resize(level_ + 1);
+}
+
 std::string ReadContext::Step::segment() const {
-    const auto ordinal =
-        std::ranges::count_if(std::span(siblings_).first(before_),
-                              [this](const auto& sibling) { return sibling->atomType() == type_; });
+    const std::size_t ordinal = context_.countOfType(type_, level_, siblings_, before_);
     std::string segment = pathSegment(type_);
     if (ordinal > 0) segment += '[' + std::to_string(ordinal) + ']';
     return segment;

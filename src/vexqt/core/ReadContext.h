@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "vexqt/core/os_type.h"
@@ -77,7 +78,7 @@ public:
     class Step {
     public:
         Step(ReadContext& context, OSType type, const Siblings& siblings);
-        ~Step() { context_.steps_.pop_back(); }
+        ~Step();
         Step(const Step&) = delete;
         Step& operator=(const Step&) = delete;
 
@@ -91,13 +92,25 @@ public:
         OSType type_;
         const Siblings& siblings_;
         std::size_t before_;  ///< How many siblings there were when this one was begun.
+        std::size_t level_;
     };
 
 private:
+    /// How many there are of each type among the first siblings at one level. It grows from one
+    /// problem to the next: a container of millions is counted once, not for each of its problems.
+    struct Counts {
+        const Siblings* siblings = nullptr;
+        std::size_t upTo = 0;
+        std::unordered_map<OSType, std::size_t> ofType{};
+    };
+    std::size_t countOfType(OSType type, std::size_t level, const Siblings& siblings,
+                            std::size_t before);
+
     std::vector<Problem>* problems_ = nullptr;
     Survey* survey_ = nullptr;
     std::size_t outerDepth_ = 0;
     std::vector<Step*> steps_;
+    std::vector<Counts> counts_;
 };
 
 }  // namespace vexqt
