@@ -50,6 +50,7 @@ private:
 
 const FaultyFileSystem::Fault* FaultyFileSystem::fault(const char* operation) {
     const std::size_t number = operations.size();
+    if (beforeOperation) beforeOperation(number);
     operations.emplace_back(operation);
     if (!fault_ || number < fault_->first || (number > fault_->first && !fault_->forGood))
         return nullptr;

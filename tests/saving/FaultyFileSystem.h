@@ -27,6 +27,8 @@ public:
     }
     /// What was done, by name; "write", "flush".
     std::vector<std::string> operations;
+    /// Called with the number of each before it is done.
+    std::function<void(std::size_t)> beforeOperation;
 
     std::unique_ptr<File> openForReading(const std::filesystem::path& path,
                                          std::error_code& error) override;

@@ -6,6 +6,7 @@
 #include <limits>
 #include <stdexcept>
 
+#include "saving/FaultyFileSystem.h"
 #include "saving/changes.h"
 #include "vexqt/platform/MemoryFileSystem.h"
 #include "vexqt/saving/recovery.h"
@@ -250,6 +251,16 @@ TEST_F(FileTransactions, ProgressGrowsToItsTotal) {
         EXPECT_EQ(reports.back(), expected);
         EXPECT_LT(reports.size(), 10U);
     }
+}
+
+TEST_F(FileTransactions, KeepOldBytesThatAreThemselvesOnTheDisk) {
+    FaultyFileSystem counting(files);
+    FileTransaction transaction(counting);
+    ASSERT_FALSE(transaction.open(kMovie, identity()));
+    ASSERT_FALSE(transaction.apply(kPatch));
+    const auto& operations = counting.operations;
+    EXPECT_LT(std::ranges::find(operations, "flush"),
+              std::ranges::find(operations, "createPrivate"));
 }
 
 TEST_F(FileTransactions, SayWhatAFileIsThatCannotBeSaved) {
