@@ -114,4 +114,5 @@
 #include "vexqt/saving/SaveFailure.h"
 #include "vexqt/saving/SavePlan.h"
 #include "vexqt/saving/Surgery.h"
+#include "vexqt/saving/UndoStore.h"
 #include "vexqt/saving/recovery.h"

@@ -102,16 +102,26 @@ public:
     virtual void writeUndoRecord(std::unique_ptr<File> into, const fs::path& name) = 0;
 
     const FileChange& change() const { return change_; }
+    const FileIdentity& after() const { return after_; }
 
 protected:
-    void write(const FileWrite& write, std::size_t skipped, Progress& progress) {
-        const ByteView bytes = write.bytes.view();
-        for (std::size_t at = skipped; at < bytes.size();) {
-            const std::size_t count = std::min(bytes.size() - at, kBlock);
-            movie_.write(write.offset + at, bytes.subspan(at, count));
+    /// Writes the part that lies between two offsets, which may be all of it or nothing.
+    void write(const FileWrite& write, std::uint64_t begin, std::uint64_t end, Progress& progress) {
+        begin = std::max(begin, write.offset);
+        end = std::min(end, write.range().end());
+        while (begin < end) {
+            const auto count =
+                static_cast<std::size_t>(std::min<std::uint64_t>(end - begin, kBlock));
+            movie_.write(begin, write.bytes.view().subspan(
+                                    static_cast<std::size_t>(begin - write.offset), count));
             progress.add(count);
-            at += count;
+            begin += count;
         }
+    }
+    /// Backwards, because what makes the file longer is what a full disk has no room for.
+    void writeBackwards(std::uint64_t begin, std::uint64_t end, Progress& progress) {
+        for (auto at = change_.writes.rbegin(); at != change_.writes.rend(); ++at)
+            write(*at, begin, end, progress);
     }
 
     static void verify(File& file, const Callbacks& callbacks) {
@@ -143,9 +153,7 @@ public:
         Progress progress(callbacks.progress, bytesKept() + change_.bytesWritten());
         keepOldBytes(progress);
         movieIsTouched_ = true;
-        // Backwards, because what makes the file longer is what a full disk has no room for.
-        for (auto write = change_.writes.rbegin(); write != change_.writes.rend(); ++write)
-            this->write(*write, 0, progress);
+        writeBackwards(0, change_.newLength, progress);
         if (change_.newLength < change_.oldLength) movie_.truncate(change_.newLength);
         movie_.flush();
         verify(movie_.file(), callbacks);
@@ -240,7 +248,7 @@ public:
         FileWith asItWillBe(*change_.flip, movie_.file());
         verify(asItWillBe, callbacks);
         isFlipped_ = true;
-        write(*change_.flip, 0, progress);
+        write(*change_.flip, 0, change_.oldLength, progress);
         movie_.flush();
         after_ = movie_.identity();
     }
@@ -273,18 +281,15 @@ public:
     }
 
 private:
-    /// The size of what now follows the old end comes last: until all the rest is on the disk it
-    /// is 0, where readers stop, and never that of a movie half of which is missing.
+    /// The size and type of what now follows the old end come last. Until all the rest is on the
+    /// disk the size is 0, where readers stop, and never that of a movie half of which is missing.
     void writeTail(Progress& progress) {
-        constexpr std::size_t kHeader = 8;
-        for (auto write = change_.writes.rbegin(); write != change_.writes.rend(); ++write)
-            this->write(*write, write->offset == change_.oldLength ? kHeader : 0, progress);
+        constexpr std::uint64_t kHeader = 8;
+        const std::uint64_t rest = change_.oldLength + kHeader;
+        writeBackwards(rest, change_.newLength, progress);
         movie_.flush();
-        if (change_.writes.empty()) return;
-        FileWrite header = change_.writes.front();
-        header.bytes = header.bytes.first(std::min(header.bytes.size(), kHeader));
-        if (header.offset != change_.oldLength) return;
-        write(header, 0, progress);
+        if (change_.newLength == change_.oldLength) return;
+        writeBackwards(change_.oldLength, rest, progress);
         movie_.flush();
     }
 
@@ -332,13 +337,17 @@ std::optional<SaveFailure> FileTransaction::open(const fs::path& path,
                               .reason = SaveFailure::Reason::RecoveryNeeded};
 
         before_ = movie.identity();
-        if (before_ != expected)
-            throw SaveFailure{.code = std::make_error_code(std::errc::io_error),
-                              .what = path.string() + " has changed since it was read",
-                              .reason = SaveFailure::Reason::Changed};
+        checkUnchanged(expected);
     });
     if (failure) file_.reset();
     return failure;
+}
+
+void FileTransaction::checkUnchanged(const FileIdentity& other) const {
+    if (before_ == other) return;
+    throw SaveFailure{.code = std::make_error_code(std::errc::io_error),
+                      .what = path_.string() + " has changed since it was read",
+                      .reason = SaveFailure::Reason::Changed};
 }
 
 std::optional<SaveFailure> FileTransaction::apply(const FileChange& change,
@@ -350,6 +359,8 @@ std::optional<SaveFailure> FileTransaction::apply(const FileChange& change,
         return SaveFailure{.code = std::make_error_code(std::errc::invalid_argument),
                            .what = "the change is not in order: " + std::string(flaw)};
     if (change.isEmpty()) return std::nullopt;
+    if (const auto failure = attempt([&] { checkUnchanged(NamedFile(*file_, "").identity()); }))
+        return failure;
 
     std::unique_ptr<Change> made;
     if (change.flip)
@@ -385,7 +396,7 @@ std::optional<SaveFailure> FileTransaction::apply(const FileChange& change,
     return std::nullopt;
 }
 
-bool FileTransaction::canBeUndone() const { return change_ != nullptr; }
+const FileIdentity& FileTransaction::identityAfter() const { return change_->after(); }
 
 std::uint64_t FileTransaction::undoRecordLength() const {
     return Journal::lengthFor(change_->change());

@@ -51,8 +51,10 @@ public:
     /// What a person should know about a change that went well.
     const std::vector<std::string>& notes() const { return notes_; }
 
-    /// After a change: whether there is something to be undone, and how long the record will be.
-    bool canBeUndone() const;
+    /// True after a change that changed something.
+    bool canBeUndone() const { return change_ != nullptr; }
+    /// The file as the change left it.
+    const FileIdentity& identityAfter() const;
     std::uint64_t undoRecordLength() const;
     /// Writes the record with which undo() takes the change back.
     std::optional<SaveFailure> writeUndoRecord(std::unique_ptr<File> into,
@@ -62,6 +64,8 @@ private:
     class Change;
     class JournaledChange;
     class FlippedChange;
+
+    void checkUnchanged(const FileIdentity& other) const;
 
     FileSystem& files_;
     std::filesystem::path path_;

@@ -168,6 +168,11 @@ void Journal::writeUndoRecord(NamedFile& into, const FileIdentity& after) {
     into.write(0, header.encoded());
 }
 
+void Journal::setAfter(const FileIdentity& after) {
+    header_.after = after;
+    named_.write(0, header_.encoded());
+}
+
 // MARK: Reading
 
 Journal::Found Journal::read(std::unique_ptr<File> file, const std::filesystem::path& path) {

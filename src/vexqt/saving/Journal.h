@@ -78,6 +78,8 @@ public:
     FileChange backwards();
     /// Writes the record that undoes the change which left the file as `after` says.
     void writeUndoRecord(NamedFile& into, const FileIdentity& after);
+    /// Says in a record, which must be open for writing, that its change left the file like that.
+    void setAfter(const FileIdentity& after);
 
 private:
     struct Piece {

@@ -37,8 +37,9 @@ public:
         }
         if (!mayBeOurs && ifChanged == IfChanged::Refuse)
             return result(Recovery::Refused,
-                          "the movie was changed by somebody else after its save had been "
-                          "interrupted; it and the journal " +
+                          "where a save was interrupted, the movie is neither as it was before nor "
+                          "as it was to be: somebody else seems to have written to it; it and the "
+                          "journal " +
                               journalPath_.string() + " are as they were");
         found.whole->putBack(movie);
         removeJournal();

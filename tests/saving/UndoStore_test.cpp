@@ -1,0 +1,390 @@
+#include "vexqt/saving/UndoStore.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <stdexcept>
+
+#include "saving/FaultyFileSystem.h"
+#include "saving/changes.h"
+#include "vexqt/platform/MemoryFileSystem.h"
+#include "vexqt/saving/Journal.h"
+
+namespace vexqt {
+namespace {
+
+using namespace testing;
+using Outcome = UndoResult::Outcome;
+namespace fs = std::filesystem;
+
+const fs::path kMovie = "/movies/a.mov";
+const fs::path kStore = "/home/undo";
+
+class UndoOfSaves : public ::testing::Test {
+protected:
+    UndoOfSaves() { files.put(kMovie, old); }
+
+    UndoStore store() {
+        return {files, kStore, limits, [this] { return now; }};
+    }
+    /// Saves and says why no record was kept.
+    std::optional<std::string> save(const FileChange& change, const fs::path& movie = kMovie) {
+        FileTransaction transaction(files);
+        auto failure = transaction.open(movie, *files.identityOf(movie, error));
+        EXPECT_FALSE(failure) << failure->what;
+        failure = transaction.apply(change);
+        EXPECT_FALSE(failure) << failure->what;
+        return store().keep(transaction);
+    }
+    /// Saves a file of a hundred bytes, with a record of a length that hardly changes.
+    void saveSmall(const fs::path& movie = kMovie) {
+        EXPECT_EQ(save(changeOf(3000, 3000, {{next_++, 1}}), movie), std::nullopt);
+    }
+    UndoResult undo() { return vexqt::undo(files, store(), kMovie); }
+    std::size_t records(const fs::path& movie = kMovie) {
+        return store().recordsOf(movie, error).size();
+    }
+    const Bytes& movie() { return files.bytes(kMovie); }
+
+    const Bytes old = someBytes(3000);
+    UndoStore::Limits limits;
+    std::int64_t now = 1'700'000'000;
+    MemoryFileSystem files;
+    std::error_code error;
+
+private:
+    std::uint64_t next_ = 100;
+};
+
+const FileChange kPatch = changeOf(3000, 3000, {{100, 4}, {600, 1000}});
+const FileChange kLonger = changeOf(3000, 5000, {{100, 4}, {2800, 2200}});
+const FileChange kShorter = changeOf(3000, 1000, {{990, 10}});
+const FileChange kFlipped = changeOf(3000, 3700, {{3000, 700}}, Patch{508, 8});
+
+TEST_F(UndoOfSaves, GivesTheFileOfBefore) {
+    const FileIdentity before = *files.identityOf(kMovie, error);
+    for (const FileChange& change : {kPatch, kLonger, kShorter, kFlipped}) {
+        EXPECT_EQ(save(change), std::nullopt);
+        EXPECT_EQ(movie(), changed(old, change));
+        const UndoResult result = undo();
+        EXPECT_EQ(result.outcome, Outcome::Undone) << result.text;
+        EXPECT_EQ(movie(), old);
+        EXPECT_EQ(*files.identityOf(kMovie, error), before);
+        EXPECT_EQ(files.paths(), std::set<fs::path>{kMovie}) << "the record is gone";
+    }
+}
+
+TEST_F(UndoOfSaves, TakesBackOneSaveAfterTheOther) {
+    std::vector<Bytes> states = {old};
+    const FileChange changes[] = {kLonger, changeOf(5000, 5000, {{2000, 900}}),
+                                  changeOf(5000, 5600, {{5000, 600}}, Patch{40, 8}),
+                                  changeOf(5600, 800, {})};
+    for (const FileChange& change : changes) {
+        EXPECT_EQ(save(change), std::nullopt);
+        states.push_back(movie());
+    }
+    EXPECT_EQ(records(), 4U);
+    while (states.size() > 1) {
+        states.pop_back();
+        EXPECT_EQ(undo().outcome, Outcome::Undone);
+        EXPECT_EQ(movie(), states.back());
+    }
+    EXPECT_EQ(undo().outcome, Outcome::NothingToUndo);
+    EXPECT_EQ(movie(), old);
+}
+
+TEST_F(UndoOfSaves, GoesOnAfterAnotherSave) {
+    save(kPatch);
+    save(changeOf(3000, 3100, {{3000, 100}}));
+    EXPECT_EQ(undo().outcome, Outcome::Undone);
+    save(changeOf(3000, 2000, {}));
+    EXPECT_EQ(undo().outcome, Outcome::Undone);
+    EXPECT_EQ(undo().outcome, Outcome::Undone);
+    EXPECT_EQ(movie(), old);
+}
+
+TEST_F(UndoOfSaves, RefusesAFileThatWasChangedSince) {
+    const auto edit = [&](const std::function<void(File&)>& write) {
+        const auto file = files.openForWriting(kMovie, error);
+        const FileIdentity saved = file->identity(error);
+        write(*file);
+        return std::pair(movie(), saved);
+    };
+    save(kPatch);
+    const struct {
+        const char* what;
+        std::function<void(File&)> write;
+        bool keepsTime;
+    } cases[] = {
+        {"where it was saved", [&](File& file) { file.writeAt(700, Bytes{1}, error); }, true},
+        {"elsewhere", [&](File& file) { file.writeAt(2500, Bytes{1}, error); }, false},
+        {"longer", [&](File& file) { file.writeAt(3000, Bytes{1}, error); }, true},
+        {"shorter", [&](File& file) { file.truncate(2999, error); }, true},
+        {"nothing but the time", [&](File& file) { file.setModified(9, 9, error); }, false},
+    };
+    const Bytes saved = movie();
+    for (const auto& [what, write, keepsTime] : cases) {
+        SCOPED_TRACE(what);
+        const auto [edited, before] = edit(write);
+        const auto file = files.openForWriting(kMovie, error);
+        const auto restoreTime = [&] {
+            file->setModified(before.modifiedSeconds, before.modifiedNanoseconds, error);
+        };
+        if (keepsTime) restoreTime();
+        const UndoResult result = undo();
+        EXPECT_EQ(result.outcome, Outcome::Changed) << result.text;
+        EXPECT_EQ(movie(), edited);
+        EXPECT_EQ(records(), 1U);
+        file->truncate(3000, error);
+        file->writeAt(0, saved, error);
+        restoreTime();
+    }
+    EXPECT_EQ(undo().outcome, Outcome::Undone) << "and takes it when it is as it was";
+}
+
+TEST_F(UndoOfSaves, RefusesTheSaveBelowOneThatSomebodyElseMade) {
+    save(kPatch);
+    files.openForWriting(kMovie, error)->writeAt(5, Bytes{1}, error);
+    const Bytes edited = movie();
+    save(changeOf(3000, 3000, {{50, 4}}));
+    EXPECT_EQ(undo().outcome, Outcome::Undone);
+    EXPECT_EQ(movie(), edited);
+    EXPECT_EQ(undo().outcome, Outcome::Changed);
+    EXPECT_EQ(movie(), edited);
+}
+
+TEST_F(UndoOfSaves, IsNotDoneTwice) {
+    save(kPatch);
+    save(changeOf(3000, 3000, {{50, 4}}));
+    const auto top = store().recordsOf(kMovie, error).front();
+    const Bytes record = files.bytes(top);
+    EXPECT_EQ(undo().outcome, Outcome::Undone);
+    files.put(top, record);  // As if the machine had stopped before it was removed.
+    EXPECT_EQ(undo().outcome, Outcome::AlreadyUndone);
+    EXPECT_EQ(movie(), changed(old, kPatch));
+    EXPECT_EQ(undo().outcome, Outcome::Undone);
+    EXPECT_EQ(movie(), old);
+}
+
+TEST_F(UndoOfSaves, GoesOnWhereTimesCannotBeSet) {
+    save(kPatch);
+    save(kLonger);
+    FaultyFileSystem faulty(files);
+    // Somebody who does not own the movie may write to it and not set its time.
+    MemoryFileSystem& base = files;
+    const auto undoWithoutTimes = [&] {
+        const Bytes before = movie();
+        faulty.setFault(std::nullopt);
+        std::size_t setsTime = 0;
+        {
+            // Where the time is set is seen on a copy of everything.
+            MemoryFileSystem copy;
+            for (const fs::path& path : base.paths()) copy.put(path, base.bytes(path));
+            FaultyFileSystem looking(copy);
+            const auto was = base.identityOf(kMovie, error);
+            copy.openForWriting(kMovie, error)
+                ->setModified(was->modifiedSeconds, was->modifiedNanoseconds, error);
+            vexqt::undo(looking, UndoStore(looking, kStore), kMovie);
+            setsTime = static_cast<std::size_t>(
+                std::ranges::find(looking.operations, "setModified") - looking.operations.begin());
+            ASSERT_LT(setsTime, looking.operations.size());
+        }
+        faulty.setFault(FaultyFileSystem::Fault{
+            std::make_error_code(std::errc::operation_not_permitted), setsTime});
+        const UndoResult result = vexqt::undo(faulty, UndoStore(faulty, kStore), kMovie);
+        EXPECT_EQ(result.outcome, Outcome::Undone) << result.text;
+        EXPECT_NE(movie(), before);
+    };
+    undoWithoutTimes();
+    EXPECT_EQ(movie(), changed(old, kPatch));
+    undoWithoutTimes();
+    EXPECT_EQ(movie(), old);
+}
+
+TEST_F(UndoOfSaves, SaysThatARecordIsDamaged) {
+    save(kPatch);
+    const auto path = store().recordsOf(kMovie, error).front();
+    Bytes record = files.bytes(path);
+    record.back() ^= 1;
+    files.put(path, record);
+    const UndoResult result = undo();
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_NE(result.text.find("is damaged"), std::string::npos) << result.text;
+    EXPECT_EQ(movie(), changed(old, kPatch));
+}
+
+TEST_F(UndoOfSaves, OfAChangeThatChangedNothingIsNotKept) {
+    EXPECT_EQ(save(changeOf(3000, 3000, {})), std::nullopt);
+    EXPECT_EQ(records(), 0U);
+}
+
+TEST_F(UndoOfSaves, IsOffWithoutAFolder) {
+    FileTransaction transaction(files);
+    ASSERT_FALSE(transaction.open(kMovie, *files.identityOf(kMovie, error)));
+    ASSERT_FALSE(transaction.apply(kPatch));
+    const UndoStore off(files, std::nullopt);
+    EXPECT_EQ(UndoStore(off).keep(transaction), std::nullopt);
+    EXPECT_EQ(files.paths(), std::set<fs::path>{kMovie});
+    EXPECT_EQ(vexqt::undo(files, off, "/movies/a.mov").outcome, Outcome::NothingToUndo);
+}
+
+TEST_F(UndoOfSaves, SaysWhichMovieIsMissing) {
+    const UndoResult result = vexqt::undo(files, store(), "/movies/none.mov");
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_EQ(result.text, "finding /movies/none.mov: No such file or directory");
+}
+
+TEST_F(UndoOfSaves, RecordsLieInTheStoreAlone) {
+    save(kPatch);
+    for (const fs::path& path : files.paths())
+        EXPECT_TRUE(path == kMovie || path.parent_path() == kStore) << path;
+}
+
+// What is let go.
+
+TEST_F(UndoOfSaves, KeepsTheNewestOfAFile) {
+    limits.recordsOfAFile = 3;
+    std::vector<Bytes> states;
+    for (int i = 0; i < 6; ++i) {
+        states.push_back(movie());
+        saveSmall();
+    }
+    files.put("/movies/b.mov", old);
+    saveSmall("/movies/b.mov");
+    EXPECT_EQ(records(), 3U);
+    EXPECT_EQ(records("/movies/b.mov"), 1U);
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(undo().outcome, Outcome::Undone);
+    EXPECT_EQ(movie(), states[3]);
+    EXPECT_EQ(undo().outcome, Outcome::NothingToUndo);
+}
+
+TEST_F(UndoOfSaves, KeepsNoneThatIsTooOld) {
+    limits.seconds = 100;
+    saveSmall();
+    now += 60;
+    saveSmall();
+    now += 60;
+    EXPECT_EQ(records(), 2U);
+    files.put("/movies/b.mov", old);
+    saveSmall("/movies/b.mov");
+    EXPECT_EQ(records(), 1U) << "that of any file";
+}
+
+TEST_F(UndoOfSaves, KeepsNoMoreBytesThanAllowed) {
+    saveSmall();
+    const std::uint64_t length = files.bytes(store().recordsOf(kMovie, error).front()).size();
+    limits.bytes = 4 * length + 3;
+    for (int i = 0; i < 9; ++i) {
+        ++now;
+        saveSmall();
+    }
+    EXPECT_EQ(records(), 4U);
+    EXPECT_EQ(undo().outcome, Outcome::Undone);
+}
+
+TEST_F(UndoOfSaves, KeepsNoMoreRecordsThanAllowed) {
+    limits.records = 5;
+    for (int i = 0; i < 9; ++i) {
+        ++now;
+        const fs::path path = "/movies/" + std::to_string(i);
+        files.put(path, old);
+        saveSmall(path);
+    }
+    for (int i = 0; i < 9; ++i) EXPECT_EQ(records("/movies/" + std::to_string(i)), i < 4 ? 0U : 1U);
+}
+
+TEST_F(UndoOfSaves, KeepsNoRecordThatIsTooLong) {
+    limits.bytesOfARecord = Journal::lengthFor(kPatch) - 1;
+    const auto note = save(kPatch);
+    ASSERT_TRUE(note);
+    EXPECT_EQ(*note,
+              "this save cannot be undone: it would take 1 MiB to keep what it changed, 1 MiB at "
+              "most are kept");
+    EXPECT_EQ(records(), 0U);
+    limits.bytesOfARecord = Journal::lengthFor(kShorter);
+    EXPECT_EQ(save(kShorter), std::nullopt);
+}
+
+TEST_F(UndoOfSaves, LeavesAloneWhatIsNoRecord) {
+    const std::string digest(16, 'a');
+    const std::vector<fs::path> foreign = {
+        kStore / "notes.txt",
+        kStore / (digest + "-1-2"),
+        kStore / (digest + "-1-2.undo.bak"),
+        kStore / (digest + "-01-2.undo"),
+        kStore / (digest + "-x-2.undo"),
+        kStore / (digest + "--2.undo"),
+        kStore / "-.undo",
+    };
+    for (const fs::path& path : foreign) files.put(path, {});
+    saveSmall();
+    for (const fs::path& path : foreign) EXPECT_TRUE(files.exists(path, error)) << path;
+}
+
+TEST_F(UndoOfSaves, RemovesRecordsThatWereNeverFinished) {
+    const std::string digest(16, 'a');
+    const fs::path dead = kStore / (digest + "-0-" + std::to_string(now - 4000) + ".undo.part");
+    const fs::path living = kStore / (digest + "-0-" + std::to_string(now - 10) + ".undo.part");
+    files.put(dead, {});
+    files.put(living, {});
+    saveSmall();
+    EXPECT_FALSE(files.exists(dead, error));
+    EXPECT_TRUE(files.exists(living, error));
+}
+
+// Where they are kept.
+
+class Environment : public ::testing::Test {
+protected:
+    void SetUp() override {
+        for (const char* name : kNames) {
+            const char* value = std::getenv(name);
+            before_.emplace_back(value != nullptr ? std::optional<std::string>(value)
+                                                  : std::nullopt);
+            ::unsetenv(name);
+        }
+    }
+    void TearDown() override {
+        for (std::size_t i = 0; i < std::size(kNames); ++i) set(kNames[i], before_[i]);
+    }
+    static void set(const char* name, const std::optional<std::string>& value) {
+        if (value)
+            ::setenv(name, value->c_str(), 1);
+        else
+            ::unsetenv(name);
+    }
+
+private:
+    static constexpr const char* kNames[] = {"VEXQT_UNDO", "XDG_STATE_HOME", "HOME"};
+    std::vector<std::optional<std::string>> before_;
+};
+
+TEST_F(Environment, SaysWhereRecordsAreKept) {
+    const std::optional<std::string> none;
+    const std::optional<fs::path> off;
+    const struct {
+        std::optional<std::string> undo, state, home;
+        std::optional<fs::path> folder;
+    } cases[] = {
+        {none, none, "/home/me", "/home/me/.local/state/vexqt/undo"},
+        {none, "/state", "/home/me", "/state/vexqt/undo"},
+        {none, "/state", none, "/state/vexqt/undo"},
+        {none, "state", "/home/me", "/home/me/.local/state/vexqt/undo"},
+        {none, "", "/home/me", "/home/me/.local/state/vexqt/undo"},
+        {"on", none, "/home/me", "/home/me/.local/state/vexqt/undo"},
+        {"off", "/state", "/home/me", off},
+        {none, none, none, off},
+        {none, none, "", off},
+        {none, none, "me", off},
+    };
+    for (const auto& [undo, state, home, folder] : cases) {
+        set("VEXQT_UNDO", undo);
+        set("XDG_STATE_HOME", state);
+        set("HOME", home);
+        EXPECT_EQ(UndoStore::folderOfUser(), folder);
+    }
+}
+
+}  // namespace
+}  // namespace vexqt

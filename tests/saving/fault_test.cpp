@@ -1,0 +1,397 @@
+// Every operation of a save, a recovery and an undo fails, once and for good.
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <set>
+
+#include "saving/FaultyFileSystem.h"
+#include "saving/changes.h"
+#include "vexqt/platform/MemoryFileSystem.h"
+#include "vexqt/saving/FileTransaction.h"
+#include "vexqt/saving/UndoStore.h"
+#include "vexqt/saving/recovery.h"
+
+namespace vexqt {
+namespace {
+
+using namespace testing;
+using Reason = SaveFailure::Reason;
+namespace fs = std::filesystem;
+
+const fs::path kMovie = "/movies/a.mov";
+const fs::path kJournal = "/movies/.a.mov.vexqt-journal";
+const fs::path kStore = "/home/undo";
+
+struct Case {
+    const char* what;
+    FileChange change;
+};
+
+std::vector<Case> changes() {
+    return {
+        {"patched", changeOf(2000, 2000, {{100, 4}, {900, 600}})},
+        {"longer", changeOf(2000, 2600, {{20, 4}, {1900, 700}})},
+        {"shorter", changeOf(2000, 900, {{800, 100}})},
+        {"flipped", changeOf(2000, 2600, {{2000, 600}}, Patch{508, 8})},
+    };
+}
+
+using Fault = FaultyFileSystem::Fault;
+
+/// Calls with every fault that some work can meet.
+void forEachFault(const std::function<void(FaultyFileSystem&)>& work,
+                  const std::function<FaultyFileSystem&()>& fresh,
+                  const std::function<void(const Fault&)>& tryIt) {
+    FaultyFileSystem& files = fresh();
+    files.setFault(std::nullopt);
+    work(files);
+    const std::size_t count = files.operations.size();
+    std::vector<std::error_code> errors = {{}};
+    for (const int number : {EIO, ENOSPC, EINTR, EROFS, EDQUOT})
+        errors.emplace_back(number, std::generic_category());
+    for (const std::error_code& error : errors)
+        for (std::size_t first = 0; first < count; ++first)
+            for (const bool forGood : {false, true})
+                for (const bool doesHalf : {false, true}) tryIt({error, first, forGood, doesHalf});
+}
+
+std::size_t faults = 0;
+/// The operations that have failed, so that none is left out.
+std::set<std::string> failed;
+
+TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
+    const Bytes old = someBytes(2000);
+    faults = 0;
+    failed.clear();
+    for (const auto& [what, change] : changes()) {
+        const Bytes saved = changed(old, change);
+        std::optional<MemoryFileSystem> memory;
+        std::optional<FaultyFileSystem> faulty;
+        std::optional<SaveFailure> failure;
+        std::vector<std::string> notes;
+        const auto fresh = [&]() -> FaultyFileSystem& {
+            memory.emplace();
+            memory->put(kMovie, old);
+            return faulty.emplace(*memory);
+        };
+        const auto save = [&](FaultyFileSystem& files) {
+            std::error_code error;
+            const FileIdentity read = *memory->identityOf(kMovie, error);
+            FileTransaction transaction(files);
+            failure = transaction.open(kMovie, read);
+            if (!failure) failure = transaction.apply(change);
+            notes = transaction.notes();
+        };
+        forEachFault(save, fresh, [&](const Fault& fault) {
+            FaultyFileSystem& files = fresh();
+            files.setFault(fault);
+            save(files);
+            if (fault.first >= files.operations.size()) return;
+            ++faults;
+            const std::string operation = files.operations[fault.first];
+            if (!fault.error && operation != "read" && !fault.forGood) {
+                EXPECT_FALSE(failure);
+                return;
+            }
+            failed.insert(operation);
+            SCOPED_TRACE(std::string(what) + ": " + operation + " " + std::to_string(fault.first) +
+                         " " + fault.error.message() + (fault.forGood ? " for good" : " once") +
+                         (failure ? "; " + failure->what : ""));
+            const bool isLeft = memory->paths().contains(kJournal);
+            if (!failure) {
+                // What is done when the new movie has been written and nothing can be lost.
+                EXPECT_TRUE(memory->bytes(kMovie) == saved);
+                EXPECT_FALSE(isLeft);
+                EXPECT_TRUE(!fault.error || operation == "flushDirectory");
+                EXPECT_EQ(notes.size(), fault.error ? 1U : 0U);
+                return;
+            }
+            EXPECT_EQ(failure->code,
+                      fault.error ? fault.error : std::make_error_code(std::errc::io_error));
+            EXPECT_EQ(failure->what.find('\n'), std::string::npos);
+            // What the rollback could not do is left to be done.
+            const bool isHalf = failure->reason == Reason::RollBackFailed;
+            if (change.flip) {
+                EXPECT_FALSE(isLeft);
+                const Bytes& now = memory->bytes(kMovie);
+                if (!isHalf && failure->what.find("left behind") == std::string::npos) {
+                    EXPECT_TRUE(now == old);
+                } else {
+                    // All of the new one is there, and either one counts.
+                    ASSERT_GE(now.size(), old.size());
+                    EXPECT_TRUE(fault.forGood);
+                }
+                return;
+            }
+            if (!isHalf) {
+                EXPECT_TRUE(memory->bytes(kMovie) == old);
+            }
+            EXPECT_TRUE(fault.forGood || (!isHalf && !isLeft));
+            if (isHalf) {
+                EXPECT_TRUE(isLeft);
+            }
+            if (isLeft) {
+                EXPECT_NE(failure->what.find(kJournal.string()), std::string::npos);
+            }
+            // And it can be done.
+            RecoveryResult result = recover(*memory, kMovie);
+            EXPECT_EQ(result.outcome != Recovery::NothingToDo, isLeft) << result.text;
+            if (result.outcome == Recovery::Refused) {
+                // No disk does half of a piece, but a file system over a network may.
+                EXPECT_TRUE(isHalf && fault.doesHalf);
+                result = recover(*memory, kMovie, IfChanged::RecoverAnyway);
+            }
+            EXPECT_TRUE(memory->bytes(kMovie) == old) << result.text;
+            EXPECT_EQ(memory->paths(), std::set<fs::path>{kMovie});
+        });
+        if (HasFailure()) break;
+    }
+    EXPECT_EQ(failed, (std::set<std::string>{"resolve", "openForWriting", "lock", "identity",
+                                             "identityOf", "createPrivate", "read", "write",
+                                             "truncate", "flush", "flushDirectory", "remove"}));
+    std::cout << "[  FAULTS  ] " << faults << "\n";
+}
+
+TEST(Fault, OfARollbackLeavesTheJournal) {
+    const Bytes old = someBytes(2000);
+    const FileChange change = changeOf(2000, 2600, {{20, 4}, {1900, 700}});
+    std::optional<MemoryFileSystem> memory;
+    std::optional<FaultyFileSystem> faulty;
+    std::optional<SaveFailure> failure;
+    const auto fresh = [&]() -> FaultyFileSystem& {
+        memory.emplace();
+        memory->put(kMovie, old);
+        return faulty.emplace(*memory);
+    };
+    std::optional<Fault> nextFault;
+    const auto save = [&](FaultyFileSystem& files) {
+        std::error_code error;
+        FileTransaction transaction(files);
+        failure = transaction.open(kMovie, *memory->identityOf(kMovie, error));
+        if (failure) return;
+        failure = transaction.apply(change, {.progress = {}, .verify = [&](File&) {
+                                                 files.setFault(nextFault);
+                                                 return false;
+                                             }});
+    };
+    std::size_t rollbacksFailed = 0;
+    forEachFault(save, fresh, [&](const Fault& fault) {
+        FaultyFileSystem& files = fresh();
+        nextFault = fault;
+        save(files);
+        nextFault.reset();
+        ASSERT_TRUE(failure);
+        SCOPED_TRACE(failure->what);
+        if (failure->reason == Reason::RollBackFailed) {
+            ++rollbacksFailed;
+            EXPECT_NE(failure->what.find("putting the old bytes back failed as well"),
+                      std::string::npos);
+            EXPECT_NE(failure->what.find("they are kept in " + kJournal.string()),
+                      std::string::npos);
+        } else {
+            EXPECT_EQ(failure->reason, Reason::NotAsMeant);
+            EXPECT_TRUE(memory->bytes(kMovie) == old);
+        }
+        if (recover(*memory, kMovie).outcome == Recovery::Refused) {
+            EXPECT_TRUE(fault.doesHalf);
+            recover(*memory, kMovie, IfChanged::RecoverAnyway);
+        }
+        EXPECT_TRUE(memory->bytes(kMovie) == old);
+        EXPECT_EQ(memory->paths(), std::set<fs::path>{kMovie});
+    });
+    EXPECT_GT(rollbacksFailed, 20U);
+}
+
+TEST(Fault, OfARecoveryIsReportedAndItCanBeDoneAgain) {
+    const Bytes old = someBytes(2000);
+    faults = 0;
+    for (const auto& [what, change] : changes()) {
+        if (change.flip) continue;
+        // A save that was interrupted before its last step.
+        MemoryFileSystem source;
+        source.put(kMovie, old);
+        std::error_code error;
+        Bytes journal;
+        {
+            FileTransaction transaction(source);
+            ASSERT_FALSE(transaction.open(kMovie, *source.identityOf(kMovie, error)));
+            ASSERT_FALSE(transaction.apply(change, {.progress = {}, .verify = [&](File&) {
+                                                        journal = source.bytes(kJournal);
+                                                        return true;
+                                                    }}));
+        }
+        std::optional<MemoryFileSystem> memory;
+        std::optional<FaultyFileSystem> faulty;
+        RecoveryResult result;
+        const auto fresh = [&]() -> FaultyFileSystem& {
+            memory.emplace();
+            memory->put(kMovie, source.bytes(kMovie));
+            memory->put(kJournal, journal);
+            return faulty.emplace(*memory);
+        };
+        const auto work = [&](FaultyFileSystem& files) { result = recover(files, kMovie); };
+        forEachFault(work, fresh, [&](const Fault& fault) {
+            FaultyFileSystem& files = fresh();
+            files.setFault(fault);
+            work(files);
+            ++faults;
+            SCOPED_TRACE(result.text);
+            if (result.outcome == Recovery::Failed) {
+                ASSERT_TRUE(result.failure);
+                EXPECT_EQ(result.failure->code,
+                          fault.error ? fault.error : std::make_error_code(std::errc::io_error));
+                result = recover(*memory, kMovie);
+                if (result.outcome == Recovery::Refused) {
+                    EXPECT_TRUE(fault.doesHalf);
+                    recover(*memory, kMovie, IfChanged::RecoverAnyway);
+                }
+            } else {
+                EXPECT_EQ(result.outcome, Recovery::RolledBack);
+            }
+            EXPECT_TRUE(memory->bytes(kMovie) == old);
+            EXPECT_EQ(memory->paths(), std::set<fs::path>{kMovie});
+        });
+    }
+    std::cout << "[  FAULTS  ] " << faults << "\n";
+}
+
+TEST(Fault, OfARecordIsANote) {
+    const Bytes old = someBytes(2000);
+    faults = 0;
+    for (const auto& [what, change] : changes()) {
+        const Bytes saved = changed(old, change);
+        std::optional<MemoryFileSystem> memory;
+        std::optional<FaultyFileSystem> faulty;
+        std::optional<std::string> note;
+        std::optional<Fault> nextFault;
+        const auto fresh = [&]() -> FaultyFileSystem& {
+            memory.emplace();
+            memory->put(kMovie, old);
+            return faulty.emplace(*memory);
+        };
+        const auto work = [&](FaultyFileSystem& files) {
+            std::error_code error;
+            FileTransaction transaction(files);
+            ASSERT_FALSE(transaction.open(kMovie, *memory->identityOf(kMovie, error)));
+            ASSERT_FALSE(transaction.apply(change));
+            files.setFault(nextFault);
+            note = UndoStore(files, kStore).keep(transaction);
+        };
+        forEachFault(work, fresh, [&](const Fault& fault) {
+            FaultyFileSystem& files = fresh();
+            nextFault = fault;
+            work(files);
+            if (fault.first >= files.operations.size()) return;
+            ++faults;
+            SCOPED_TRACE(note.value_or("kept"));
+            EXPECT_TRUE(memory->bytes(kMovie) == saved);
+            if (note) {
+                EXPECT_EQ(note->find("this save cannot be undone: "), 0U);
+                if (!fault.forGood) {
+                    EXPECT_EQ(memory->paths(), std::set<fs::path>{kMovie});
+                }
+                return;
+            }
+            EXPECT_EQ(undo(*memory, UndoStore(*memory, kStore), kMovie).outcome,
+                      UndoResult::Outcome::Undone);
+            EXPECT_TRUE(memory->bytes(kMovie) == old);
+        });
+    }
+    std::cout << "[  FAULTS  ] " << faults << "\n";
+}
+
+TEST(Fault, OfAnUndoIsReportedAndItCanBeDoneAgain) {
+    const Bytes old = someBytes(2000);
+    faults = 0;
+    for (const auto& [what, change] : changes()) {
+        std::optional<MemoryFileSystem> memory;
+        std::optional<FaultyFileSystem> faulty;
+        UndoResult result;
+        const auto fresh = [&]() -> FaultyFileSystem& {
+            memory.emplace();
+            memory->put(kMovie, old);
+            std::error_code error;
+            FileTransaction transaction(*memory);
+            EXPECT_FALSE(transaction.open(kMovie, *memory->identityOf(kMovie, error)));
+            EXPECT_FALSE(transaction.apply(change));
+            EXPECT_EQ(UndoStore(*memory, kStore).keep(transaction), std::nullopt);
+            return faulty.emplace(*memory);
+        };
+        const auto work = [&](FaultyFileSystem& files) {
+            result = undo(files, UndoStore(files, kStore), kMovie);
+        };
+        forEachFault(work, fresh, [&](const Fault& fault) {
+            FaultyFileSystem& files = fresh();
+            files.setFault(fault);
+            work(files);
+            ++faults;
+            SCOPED_TRACE(std::string(what) + ": " + result.text);
+            if (result.outcome == UndoResult::Outcome::Failed) {
+                EXPECT_TRUE(result.failure);
+                if (recover(*memory, kMovie).outcome == Recovery::Refused) {
+                    EXPECT_TRUE(fault.doesHalf);
+                    recover(*memory, kMovie, IfChanged::RecoverAnyway);
+                }
+                EXPECT_TRUE(memory->bytes(kMovie) == changed(old, change));
+                result = undo(*memory, UndoStore(*memory, kStore), kMovie);
+            }
+            EXPECT_EQ(result.outcome, UndoResult::Outcome::Undone);
+            EXPECT_TRUE(memory->bytes(kMovie) == old);
+        });
+    }
+    std::cout << "[  FAULTS  ] " << faults << "\n";
+}
+
+TEST(Fault, FileSystemsWithoutLocksAreSavedTo) {
+    for (const int number : {ENOLCK, ENOSYS, EOPNOTSUPP}) {
+        MemoryFileSystem memory;
+        memory.put(kMovie, someBytes(2000));
+        FaultyFileSystem files(memory);
+        std::error_code error;
+        const FileIdentity read = *memory.identityOf(kMovie, error);
+        {
+            FileTransaction transaction(files);
+            ASSERT_FALSE(transaction.open(kMovie, read));
+            ASSERT_GE(files.operations.size(), 3U);
+            ASSERT_EQ(files.operations[2], "lock");
+        }
+        files.setFault(Fault{{number, std::generic_category()}, 2});
+        FileTransaction transaction(files);
+        EXPECT_FALSE(transaction.open(kMovie, read));
+    }
+}
+
+TEST(Fault, TheTextSaysWhatHappenedAndHowTheMovieIs) {
+    MemoryFileSystem memory;
+    memory.put(kMovie, someBytes(2000));
+    FaultyFileSystem files(memory);
+    std::error_code error;
+    const FileIdentity read = *memory.identityOf(kMovie, error);
+    const auto save = [&](const std::optional<Fault>& fault) {
+        files.setFault(fault);
+        FileTransaction transaction(files);
+        auto failure = transaction.open(kMovie, read);
+        return failure ? failure : transaction.apply(changeOf(2000, 2000, {{1032, 512}}));
+    };
+    memory.put(kJournal, {});
+    memory.remove(kJournal, error);
+    const std::error_code full = std::make_error_code(std::errc::no_space_on_device);
+    // Of the writes, two are to the journal.
+    const auto failureOfWrite = [&](std::size_t number) {
+        for (std::size_t first = 0;; ++first) {
+            const auto failure = save(Fault{full, first});
+            if (files.operations[first] == "write" && number-- == 0) return *failure;
+        }
+    };
+    const SaveFailure ofMovie = failureOfWrite(2);
+    EXPECT_EQ(ofMovie.what,
+              "writing 512 bytes at 1032: No space left on device; the movie is as it was");
+    EXPECT_EQ(ofMovie.offset, 1032U);
+    EXPECT_EQ(ofMovie.length, 512U);
+    EXPECT_EQ(failureOfWrite(0).what,
+              "writing 544 bytes at 128 of /movies/.a.mov.vexqt-journal: No space left on device; "
+              "the movie is as it was");
+}
+
+}  // namespace
+}  // namespace vexqt
