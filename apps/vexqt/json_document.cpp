@@ -1,6 +1,9 @@
 #include "apps/vexqt/json_document.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
+#include <cstring>
 
 namespace vexqt::cli {
 
@@ -90,43 +93,88 @@ bool isPlainList(const ListAccess& list) {
     return list.columns.size() == 1 && list.columns[0].name.empty();
 }
 
+/// A text that is copied very often, with no more than a few moves of the processor: in steps of
+/// one length, so that what is copied last may reach behind its end.
+class Piece {
+public:
+    Piece() = default;
+    explicit Piece(std::string text) : text_(std::move(text)), length_(text_.size()) {
+        text_.resize(room());
+    }
+
+    /// What it may write to, its own end included.
+    std::size_t room() const { return (length_ + kStep - 1) / kStep * kStep; }
+    /// Gives its end.
+    char* put(char* to) const {
+        for (std::size_t i = 0; i < length_; i += kStep) std::memcpy(to + i, &text_[i], kStep);
+        return to + length_;
+    }
+
+private:
+    static constexpr std::size_t kStep = 32;
+
+    std::string text_;
+    std::size_t length_ = 0;
+};
+
+/// The digits of numbers of up to four. Most numbers in tables are such, and of all lengths in
+/// turn; looked up, they cost no branch that the processor would have to guess.
+class ShortNumbers {
+public:
+    constexpr ShortNumbers() {
+        for (std::size_t number = 0; number < digits_.size(); ++number) {
+            const std::size_t length = lengthOf(number);
+            std::size_t rest = number;
+            for (std::size_t i = length; i-- > 0; rest /= 10)
+                digits_[number][i] = static_cast<char>('0' + rest % 10);
+        }
+    }
+
+    constexpr std::size_t size() const { return digits_.size(); }
+    /// Gives the end of the digits; four bytes are written to in any case.
+    char* put(char* to, std::size_t number) const {
+        std::memcpy(to, digits_[number].data(), kMost);
+        return to + lengthOf(number);
+    }
+
+private:
+    static constexpr std::size_t kMost = 4;
+    static constexpr std::size_t lengthOf(std::size_t number) {
+        return 1u + (number > 9 ? 1u : 0u) + (number > 99 ? 1u : 0u) + (number > 999 ? 1u : 0u);
+    }
+
+    std::array<std::array<char, kMost>, 10'000> digits_{};
+};
+constexpr ShortNumbers kShortNumbers;
+
 /// Writes a table's rows a block at a time.
 ///
 /// A movie has tables of ten million rows, and their numbers should cost little more than their
-/// digits. So whatever stands between two numbers is put together once, and a column of integers is
-/// fetched many rows at a time.
+/// digits. So whatever stands between two numbers is put together once, a column of integers is
+/// fetched many rows at a time, and room for many rows is asked for at once.
 class TableWriter {
 public:
     TableWriter(JsonWriter& json, const Record& owner, const ListAccess& list)
-        : json_(json), owner_(owner), list_(list), count_(list.size(owner)) {
-        for (const Field& field : list.columns) {
-            Column column = {
-                .field = &field, .before = {}, .isFetched = isFetched(field), .numbers = {}};
-            if (!isPlainList(list)) {
-                column.before = columns_.empty() ? "{" : "," + std::string(json.blank());
-                column.before += jsonText(field.name) + ":" + std::string(json.blank());
-            }
-            if (column.isFetched) column.numbers.resize(std::min(count_, kBlock));
-            columns_.push_back(std::move(column));
-        }
-        end_ = isPlainList(list) ? "" : "}";
-    }
+        : json_(json), owner_(owner), list_(list), count_(list.size(owner)) {}
 
     void write() {
         const bool fitsOnLine = isPlainList(list_) && count_ <= kNumbersOnLine;
         json_.beginArray(fitsOnLine ? Form::Inline : Form::Spread);
-        gap_ = json_.gap();
-        for (std::size_t first = 0; first < count_; first += kBlock)
-            writeBlock(first, std::min(kBlock, count_ - first));
-        if (count_ > 0) json_.noteElements();
+        if (count_ > 0) {
+            prepare();
+            for (std::size_t first = 0; first < count_; first += kBlock)
+                writeBlock(first, std::min(kBlock, count_ - first));
+            if (!isPlainList(list_)) json_.output().write("}");
+            json_.noteElements();
+        }
         json_.endArray();
     }
 
 private:
     struct Column {
         const Field* field;
-        std::string before;  ///< What stands between the value before and this one.
         bool isFetched;
+        Piece before;  ///< What stands between the value before and this one.
         std::vector<std::uint64_t> numbers;
     };
     static constexpr std::size_t kBlock = 2048;
@@ -138,44 +186,79 @@ private:
                (field.kind == ValueKind::Unsigned || field.kind == ValueKind::Signed);
     }
 
+    /// Plain numbers share a line, entries have one each.
+    void prepare() {
+        const std::string blank(json_.blank());
+        const std::string gap = json_.gap();
+        std::string begin, end;
+        for (const Field& field : list_.columns) {
+            Column& column = columns_.emplace_back();
+            column.field = &field;
+            column.isFetched = isFetched(field);
+            if (column.isFetched) column.numbers.resize(std::min(count_, kBlock));
+            if (isPlainList(list_)) continue;
+            const std::string key = jsonText(field.name) + ":" + blank;
+            if (columns_.size() == 1) {
+                begin = "{" + key;
+                end = "}";
+            } else {
+                column.before = Piece("," + blank + key);
+            }
+        }
+        beforeFirstRow_ = Piece(gap + begin);
+        beforeLine_ = Piece(end + "," + (gap.empty() && isPlainList(list_) ? blank : gap) + begin);
+        beforeRow_ = isPlainList(list_) ? Piece("," + blank) : beforeLine_;
+        rowRoom_ = std::max({beforeFirstRow_.room(), beforeLine_.room(), beforeRow_.room()});
+        for (const Column& column : columns_) rowRoom_ += column.before.room() + kLongestInteger;
+    }
+
+    const Piece& beforeRow(std::size_t row) const {
+        if (row == 0) return beforeFirstRow_;
+        return row % kNumbersOnLine == 0 ? beforeLine_ : beforeRow_;
+    }
+
     void writeBlock(std::size_t first, std::size_t count) {
         for (std::size_t i = 0; i < columns_.size(); ++i)
             if (columns_[i].isFetched)
                 list_.integers(owner_, i, first, std::span(columns_[i].numbers).first(count));
-        for (std::size_t row = 0; row < count; ++row) {
-            writeGap(first + row);
-            for (std::size_t i = 0; i < columns_.size(); ++i) writeCell(i, first, row);
-            json_.output().write(end_);
+        Output& out = json_.output();
+        const std::size_t rowsAtOnce =
+            areAllFetched() ? std::max<std::size_t>(1, Output::kCapacity / 4 / rowRoom_) : 1;
+        for (std::size_t row = 0; row < count;) {
+            const std::size_t end = std::min(count, row + rowsAtOnce);
+            char* to = out.room((end - row) * rowRoom_);
+            for (; row < end; ++row) to = writeRow(to, first, row);
+            out.advance(to);
         }
     }
+    bool areAllFetched() const { return std::ranges::all_of(columns_, &Column::isFetched); }
 
-    /// Plain numbers share a line, entries have one each.
-    void writeGap(std::size_t row) {
-        Output& out = json_.output();
-        if (row > 0) out.write(",");
-        const bool beginsLine = !isPlainList(list_) || row % kNumbersOnLine == 0;
-        if (beginsLine && !gap_.empty()) {
-            out.write(gap_);
-        } else if (row > 0 && isPlainList(list_)) {
-            out.write(json_.blank());
+    char* writeRow(char* to, std::size_t first, std::size_t row) {
+        to = beforeRow(first + row).put(to);
+        for (std::size_t i = 0; i < columns_.size(); ++i) {
+            const Column& column = columns_[i];
+            to = column.before.put(to);
+            to = column.isFetched ? writeInteger(to, column, column.numbers[row])
+                                  : writeCell(to, i, first + row);
         }
+        return to;
     }
 
-    void writeCell(std::size_t i, std::size_t first, std::size_t row) {
-        const Column& column = columns_[i];
+    static char* writeInteger(char* to, const Column& column, std::uint64_t number) {
+        if (number < kShortNumbers.size()) return kShortNumbers.put(to, number);
+        char* const limit = to + kLongestInteger;
+        return column.field->kind == ValueKind::Signed
+                   ? std::to_chars(to, limit, static_cast<std::int64_t>(number)).ptr
+                   : std::to_chars(to, limit, number).ptr;
+    }
+
+    /// Any other value goes the way of single values. Gives the room that the row still needs.
+    char* writeCell(char* to, std::size_t column, std::size_t row) {
         Output& out = json_.output();
-        out.write(column.before);
-        if (column.isFetched) {
-            char* room = out.room(kLongestInteger);
-            const std::uint64_t number = column.numbers[row];
-            char* const limit = room + kLongestInteger;
-            out.advance(column.field->kind == ValueKind::Signed
-                            ? std::to_chars(room, limit, static_cast<std::int64_t>(number)).ptr
-                            : std::to_chars(room, limit, number).ptr);
-            return;
-        }
+        out.advance(to);
         JsonWriter cell(out, JsonWriter::Layout::OneLine);
-        writeValue(cell, *column.field, list_.cell(owner_, first + row, i));
+        writeValue(cell, list_.columns[column], list_.cell(owner_, row, column));
+        return out.room(rowRoom_);
     }
 
     JsonWriter& json_;
@@ -183,7 +266,8 @@ private:
     const ListAccess& list_;
     std::size_t count_;
     std::vector<Column> columns_;
-    std::string end_, gap_;
+    Piece beforeFirstRow_, beforeLine_, beforeRow_;
+    std::size_t rowRoom_ = 0;
 };
 
 void writeProperty(JsonWriter& json, const VexQTAtom& atom, const Field& property) {
