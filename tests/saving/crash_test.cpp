@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "saving/CrashingFileSystem.h"
+#include "saving/FaultyFileSystem.h"
 #include "saving/changes.h"
 #include "vexqt/saving/FileTransaction.h"
 #include "vexqt/saving/UndoStore.h"
@@ -309,6 +310,52 @@ TEST(PowerCut, NeedsNoRecoveryWhereBytesAreFlipped) {
         if (HasFailure()) break;
     }
     report(layouts.size(), counts);
+}
+
+TEST(PowerCut, DuringTheRollbackOfASaveThatFailedLeavesTheOldFileOrTheNewOne) {
+    struct Failing {
+        const char* what;
+        std::size_t oldLength;
+        FileChange edit;
+    };
+    const Failing cases[] = {
+        {"patched", 1100, changeOf(1100, 1100, {{20, 4}, {500, 30}})},
+        {"longer", 1000, changeOf(1000, 1700, {{8, 4}, {1000, 700}})},
+        {"shorter", 1600, changeOf(1600, 900, {{500, 400}})},
+        {"flipped", 1000, changeOf(1000, 1700, {{1000, 700}}, Patch{508, 8})},
+    };
+    Counts counts;
+    for (const auto& [what, oldLength, edit] : cases) {
+        const Bytes old = someBytes(oldLength);
+        const Bytes changedBytes = changed(old, edit);
+        const Patch flip = {edit.flip ? edit.flip->offset : 0, edit.flip ? std::size_t{8} : 0};
+        for (std::size_t operation = 0;; ++operation) {
+            SCOPED_TRACE(std::string(what) + ", operation " + std::to_string(operation));
+            bool hasFailed = false;
+            PowerCuts cuts([&](const Disk& disk) {
+                Bytes bytes = movieOf(disk);
+                EXPECT_EQ(disk.files.size(), 1U);
+                if (bytes == changedBytes) return;
+                if (edit.flip && bytes != old && isNewUpToTheFlip(bytes, old, changedBytes, flip))
+                    return;
+                if (edit.flip && bytes.size() > old.size()) bytes.resize(old.size());
+                EXPECT_TRUE(bytes == old);
+            });
+            cuts.during(diskWith(old), [&](FileSystem& files) {
+                std::error_code error;
+                const FileIdentity read = *files.identityOf(kMovie, error);
+                FaultyFileSystem faulty(files);
+                faulty.setFault(
+                    FaultyFileSystem::Fault{std::make_error_code(std::errc::io_error), operation});
+                FileTransaction transaction(faulty);
+                if (!transaction.open(kMovie, read)) transaction.apply(edit);
+                hasFailed = operation < faulty.operations.size();
+            });
+            counts += cuts.counts();
+            if (!hasFailed) break;
+        }
+    }
+    report(std::size(cases), counts);
 }
 
 TEST(PowerCut, DuringAnUndoLeavesTheSavedFileOrTheOneBefore) {
