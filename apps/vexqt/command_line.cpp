@@ -20,7 +20,7 @@ struct Operands {
 };
 
 enum class Files { One, Several };
-enum class Saves { No, Edited };
+enum class Saves { No, Edited, Exactly };
 
 struct CommandDescription {
     std::string_view name;
@@ -155,6 +155,25 @@ constexpr CommandDescription kCommands[] = {
      .saves = Saves::Edited,
      .run = removeRows,
      .addOptions = noOptions},
+    {.name = "set-key",
+     .does = "sets texts of keyed metadata and adds keys that are missing, then saves",
+     .examples = "  vexqt set-key clip.mov moov.meta com.example.title='First light' --in-place\n"
+                 "  vexqt set-key clip.mov moov.udta.meta com.example.reel=A003 -o out.mov\n",
+     .files = Files::One,
+     .operands = {"PATH KEY=TEXT…",
+                  "the 'meta' atom, made where it is missing, and keys with their new texts", 2,
+                  kAny},
+     .saves = Saves::Edited,
+     .run = setKey,
+     .addOptions = noOptions},
+    {.name = "remove-key",
+     .does = "removes keys of keyed metadata with their items, then saves",
+     .examples = "  vexqt remove-key clip.mov moov.meta com.example.location.ISO6709 --in-place\n",
+     .files = Files::One,
+     .operands = {"PATH KEY…", "the 'meta' atom, and the keys", 2, kAny},
+     .saves = Saves::Edited,
+     .run = removeKey,
+     .addOptions = noOptions},
     {.name = "data",
      .does = "writes the bytes of an atom, or of all but media data and free space",
      .examples = "  vexqt data clip.mov moov.udta -o udta.bin\n"
@@ -172,9 +191,41 @@ constexpr CommandDescription kCommands[] = {
      .examples = "  vexqt save clip.mov\n",
      .files = Files::One,
      .operands = {},
-     .saves = Saves::No,
+     .saves = Saves::Exactly,
      .run = save,
      .addOptions = noOptions},
+    {.name = "check",
+     .does = "says what a save would change or destroy besides what was edited",
+     .examples = "  vexqt check clip.mov\n"
+                 "  vexqt check --json *.mov | jq -r '.exact.findings[].id' | sort | uniq -c\n",
+     .files = Files::Several,
+     .operands = {},
+     .saves = Saves::No,
+     .run = check,
+     .addOptions =
+         [](CLI::App& app, Arguments& arguments) {
+             app.add_flag("--json", arguments.asJson, "a document a file, each on one line");
+         }},
+    {.name = "undo",
+     .does = "takes the last save in place back, and with the next call the one before",
+     .examples = "  vexqt undo clip.mov\n",
+     .files = Files::One,
+     .operands = {},
+     .saves = Saves::No,
+     .run = undo,
+     .addOptions = noOptions},
+    {.name = "recover",
+     .does = "ends a save that was interrupted: the movie is what it was before",
+     .examples = "  vexqt recover clip.mov\n",
+     .files = Files::One,
+     .operands = {},
+     .saves = Saves::No,
+     .run = recover,
+     .addOptions =
+         [](CLI::App& app, Arguments& arguments) {
+             app.add_flag("--force", arguments.force,
+                          "also where somebody has written to the movie since");
+         }},
 };
 
 const CommandDescription* commandNamed(std::string_view name) {
@@ -212,7 +263,11 @@ constexpr std::string_view kPathsAndStatus =
     "FILE may be - for standard input. What is wrong with a file is listed on standard error.\n"
     "\n"
     "Exit status: 0 done; 1 a file could not be read, decoded or written, or has no such atom or\n"
-    "property; 2 the command line is wrong, or a value does not fit.\n";
+    "property; 2 the command line is wrong, or a value does not fit; 3 a save would change or\n"
+    "destroy what nobody asked it to: check says so, and other commands refuse without --force.\n"
+    "\n"
+    "Only the bytes of what was edited are written. A save in place can be taken back with undo;\n"
+    "its records lie in ~/.local/state/vexqt/undo for 30 days (VEXQT_UNDO=off keeps none).\n";
 
 std::string operandsUsage(const CommandDescription& command) {
     const Operands& operands = command.operands;
@@ -312,6 +367,13 @@ void addCommand(CLI::App& app, const CommandDescription& command, Request& reque
         sub.add_flag("--in-place", arguments.inPlace, "changes the file itself");
         sub.add_option("-o,--output", arguments.output, "changes a copy with this name")
             ->type_name("OUT");
+        sub.add_flag(
+            "--exact", arguments.exact,
+            "writes the movie as its classes write it, behind the media, and nothing else");
+    }
+    if (command.saves != Saves::No) {
+        sub.add_flag("--force", arguments.force, "saves although something will be destroyed");
+        sub.add_flag("--no-undo", arguments.keepsNoUndo, "keeps no record for vexqt undo");
     }
     command.addOptions(sub, arguments);
     addSharedOptions(sub, request);
@@ -355,7 +417,8 @@ std::string mistakeIn(Request& request) {
         return "'" + arguments.operands[command.operands.most] + "' is one argument too many";
     if (command.saves == Saves::Edited && arguments.inPlace == arguments.output.has_value())
         return "either --in-place or -o OUT is needed";
-    const bool changesFile = arguments.inPlace || command.run == save;
+    const bool changesFile =
+        arguments.inPlace || command.run == save || command.run == undo || command.run == recover;
     if (changesFile && arguments.file() == "-") return "standard input cannot be changed in place";
     if (std::ranges::count(arguments.files, "-") > 1) return "standard input can be read only once";
     return {};

@@ -14,7 +14,8 @@ namespace vexqt::cli {
 enum class ExitStatus {
     Done = 0,
     Failed = 1,  ///< A file could not be read, decoded or written, or lacks what was asked for.
-    WrongUsage = 2
+    WrongUsage = 2,
+    Refused = 3  ///< A save would change or destroy what nobody asked it to.
 };
 
 /// Where a run reads and writes.
@@ -54,6 +55,10 @@ struct Arguments {
     std::vector<std::string> absent;
     bool inPlace = false;
     std::optional<std::string> output;
+    bool exact = false;
+    bool force = false;
+    bool keepsNoUndo = false;
+    bool asJson = false;
 
     const std::string& file() const { return files.front(); }
 };
@@ -61,7 +66,8 @@ struct Arguments {
 using Command = ExitStatus(const Arguments&, Console&);
 
 Command outline, json, show, get;
-Command set, remove, insert, insertRows, removeRows, save;
+Command set, remove, insert, insertRows, removeRows, setKey, removeKey, save;
 Command data;
+Command check, undo, recover;
 
 }  // namespace vexqt::cli

@@ -6,6 +6,8 @@
 #include "apps/vexqt/movies.h"
 #include "apps/vexqt/value_text.h"
 #include "vexqt/asset/AtomPath.h"
+#include "vexqt/atoms/metadata/keyed_items.h"
+#include "vexqt/platform/Picture.h"
 
 #include <charconv>
 
@@ -13,15 +15,17 @@ namespace vexqt::cli {
 
 namespace {
 
-/// Only the movie atom is written back.
-void requireInMovie(const VexQTAsset& asset, const VexQTAtom& atom, std::string_view path) {
+/// The classes' own way of saving writes nothing but the movie atom.
+void requireSaved(const Arguments& arguments, const VexQTAsset& asset, const VexQTAtom& atom,
+                  std::string_view path) {
+    if (!arguments.exact) return;
     const VexQTAtom* root = &atom;
     while (root->parent() != nullptr) root = root->parent();
     const VexQTAtom* written = nullptr;
     for (const auto& candidate : asset.rootAtoms())
         if (candidate->atomType() == "moov"_os) written = candidate.get();
     if (root != written)
-        throw Failure(std::string(path) + ": only what is in the movie atom is saved" +
+        throw Failure(std::string(path) + ": with --exact only what is in the movie atom is saved" +
                       (root->atomType() == "moov"_os ? ", in the last one of several" : ""));
 }
 
@@ -45,11 +49,27 @@ struct Assignment {
     }
 };
 
-/// What a text stands for; @FILE stands for the bytes of a file where bytes are wanted.
+/// What a text stands for; @FILE stands for what a file holds where bytes or a picture are wanted.
 Value parsed(const Field& field, const std::string& text, Console& console) {
-    if (field.kind == ValueKind::Data && text.starts_with('@'))
-        return readAll(text.substr(1), console);
-    return valueFromText(field, text);
+    const bool isFile = text.starts_with('@');
+    if (field.kind == ValueKind::Data && isFile) return readAll(text.substr(1), console);
+    if (field.kind != ValueKind::Picture || !isFile) return valueFromText(field, text);
+    auto picture = Picture::decode(readAll(text.substr(1), console));
+    if (!picture) throw Failure(text.substr(1) + ": this is no JPEG, PNG or BMP picture");
+    return *std::move(picture);
+}
+
+/// A picture file of the format that an atom holds is kept as it is, not encoded once more.
+void keepEncoding(VexQTAtom& atom, const std::string& file, Console& console) {
+    const Value kind = atom.valueForKey("dataTypeString");
+    const auto* name = std::get_if<std::string>(&kind);
+    if (name == nullptr || atom.propertyNamed("rawImageData") == nullptr) return;
+    Bytes bytes = readAll(file, console);
+    const auto format = Picture::formatOf(bytes);
+    const bool isSame = (format == PictureFormat::JPEG && *name == "VexQTDataAtomType_JPEGImage") ||
+                        (format == PictureFormat::PNG && *name == "VexQTDataAtomType_PNGImage") ||
+                        (format == PictureFormat::BMP && *name == "VexQTDataAtomType_BMPImage");
+    if (isSame) atom.setValueForKey(Value(std::move(bytes)), "rawImageData");
 }
 
 /// A value that does not fit is a mistake in the command line.
@@ -69,13 +89,16 @@ ExitStatus set(const Arguments& arguments, Console& console) {
         std::string key;
         PropertyPlace place;
         Value value;
+        std::string pictureFile;  ///< Empty for what is no picture from a file.
     };
     return edit(arguments, console, [&](VexQTAsset& asset) {
         std::vector<Change> changes;
         const auto add = [&](const std::string& key, const std::string* text) {
-            Change change = {
-                .key = key, .place = AtomPath(key).propertyIn(asset.rootAtoms()), .value = {}};
-            requireInMovie(asset, *change.place.atom, key);
+            Change change = {.key = key,
+                             .place = AtomPath(key).propertyIn(asset.rootAtoms()),
+                             .value = {},
+                             .pictureFile = {}};
+            requireSaved(arguments, asset, *change.place.atom, key);
             assigning(key, [&] {
                 const Field& field = change.place.field();
                 if (!change.place.canBeSet())
@@ -84,6 +107,8 @@ ExitStatus set(const Arguments& arguments, Console& console) {
                                          : "this is a table, whose cells are set one by one");
                 if (text != nullptr) {
                     change.value = parsed(field, *text, console);
+                    if (field.kind == ValueKind::Picture && text->starts_with('@'))
+                        change.pictureFile = text->substr(1);
                 } else if (!field.isOptional) {
                     throw ValueError("this cannot be absent");
                 }
@@ -95,26 +120,44 @@ ExitStatus set(const Arguments& arguments, Console& console) {
             add(assignment.key, &assignment.value);
         }
         for (const std::string& key : arguments.absent) add(key, nullptr);
-        for (const Change& change : changes)
+        for (const Change& change : changes) {
             assigning(change.key, [&] { change.place.setValue(change.value); });
+            if (!change.pictureFile.empty())
+                keepEncoding(*change.place.atom, change.pictureFile, console);
+        }
     });
 }
 
 // MARK: Atoms
+
+namespace {
+
+/// Out of its parent, of an entry that it extends, or from the top of the file.
+std::unique_ptr<VexQTAtom> takenOut(VexQTAsset& asset, const VexQTAtom* atom) {
+    if (atom->parent() != nullptr) return atom->parent()->removeChild(atom);
+    auto& roots = asset.rootAtoms();
+    const auto root = std::ranges::find(roots, atom, &std::unique_ptr<VexQTAtom>::get);
+    if (root == roots.end()) return nullptr;
+    std::unique_ptr<VexQTAtom> removed = std::move(*root);
+    roots.erase(root);
+    return removed;
+}
+
+}  // namespace
 
 ExitStatus remove(const Arguments& arguments, Console& console) {
     return edit(arguments, console, [&](VexQTAsset& asset) {
         std::vector<VexQTAtom*> atoms;
         for (const std::string& path : arguments.operands) {
             VexQTAtom& atom = AtomPath(path).atomIn(asset.rootAtoms());
-            requireInMovie(asset, atom, path);
-            if (atom.parent() == nullptr)
+            requireSaved(arguments, asset, atom, path);
+            if (&atom == asset.moovAtom())
                 throw Failure(path + ": the movie atom itself is not removed, only what is in it");
             atoms.push_back(&atom);
         }
         // They are kept until all are out, as one may lie in another or be named twice.
         std::vector<std::unique_ptr<VexQTAtom>> removed;
-        for (VexQTAtom* atom : atoms) removed.push_back(atom->parent()->removeChild(atom));
+        for (VexQTAtom* atom : atoms) removed.push_back(takenOut(asset, atom));
     });
 }
 
@@ -153,7 +196,7 @@ ExitStatus insert(const Arguments& arguments, Console& console) {
     const std::string& atomFile = arguments.operands[1];
     return edit(arguments, console, [&](VexQTAsset& asset) {
         VexQTAtom& container = AtomPath(path).atomIn(asset.rootAtoms());
-        requireInMovie(asset, container, path);
+        requireSaved(arguments, asset, container, path);
         if (!holdsChildren(container)) throw Failure(path + ": this atom holds no other atoms");
         auto atom = atomFrom(atomFile, container, console);
         if (!arguments.after) return container.addChild(std::move(atom));
@@ -183,9 +226,10 @@ std::optional<std::size_t> countFrom(const std::vector<std::string>& operands) {
 }
 
 /// The list that is named, and perhaps one of its rows.
-PropertyPlace tableNamed(const std::string& key, const VexQTAsset& asset, AtomPath::Rows rows) {
+PropertyPlace tableNamed(const Arguments& arguments, const VexQTAsset& asset, AtomPath::Rows rows) {
+    const std::string& key = arguments.operands.front();
     const PropertyPlace place = AtomPath(key).propertyIn(asset.rootAtoms(), rows);
-    requireInMovie(asset, *place.atom, key);
+    requireSaved(arguments, asset, *place.atom, key);
     const bool isCell = place.column && !place.field().name.empty();
     if (place.property->list == nullptr || isCell)
         throw Failure(key + ": this is no table and no row of one", ExitStatus::WrongUsage);
@@ -220,7 +264,7 @@ void fill(const PropertyPlace& place, std::size_t first, std::size_t count,
 ExitStatus insertRows(const Arguments& arguments, Console& console) {
     const std::string& key = arguments.operands.front();
     return edit(arguments, console, [&](VexQTAsset& asset) {
-        const PropertyPlace place = tableNamed(key, asset, AtomPath::Rows::ThereAndEnd);
+        const PropertyPlace place = tableNamed(arguments, asset, AtomPath::Rows::ThereAndEnd);
         const ListAccess& list = *place.property->list;
         const std::size_t rows = list.size(*place.atom);
         const auto given = countFrom(arguments.operands);
@@ -237,7 +281,7 @@ ExitStatus insertRows(const Arguments& arguments, Console& console) {
 ExitStatus removeRows(const Arguments& arguments, Console& console) {
     const std::string& key = arguments.operands.front();
     return edit(arguments, console, [&](VexQTAsset& asset) {
-        const PropertyPlace place = tableNamed(key, asset, AtomPath::Rows::There);
+        const PropertyPlace place = tableNamed(arguments, asset, AtomPath::Rows::There);
         const auto given = countFrom(arguments.operands);
         if (!place.row || (arguments.operands.size() > 1 && !given))
             throw Failure("remove-rows takes PATH.LIST[ROW] and a number of rows",
@@ -252,8 +296,80 @@ ExitStatus removeRows(const Arguments& arguments, Console& console) {
     });
 }
 
+// MARK: Keyed metadata
+
+namespace {
+
+/// The metadata container at a path; one that is missing at its end is made, when asked to.
+VexQTmetaAtom& metadataAt(const std::string& path, VexQTAsset& asset) {
+    const std::size_t point = path.rfind('.');
+    if (point != std::string::npos && path.substr(point + 1) == "meta") {
+        VexQTAtom& holder = AtomPath(path.substr(0, point)).atomIn(asset.rootAtoms());
+        if (holder.childWithType("meta"_os) == nullptr) {
+            auto made = std::make_unique<VexQTmetaAtom>();
+            made->setParent(&holder);
+            const auto size = static_cast<std::int64_t>(made->atomSize());
+            holder.addChild(std::move(made));
+            holder.increaseSizeBy(size);
+        }
+    }
+    auto* metadata = dynamic_cast<VexQTmetaAtom*>(&AtomPath(path).atomIn(asset.rootAtoms()));
+    if (metadata == nullptr) throw Failure(path + ": this is no 'meta' atom");
+    return *metadata;
+}
+
+VexQTilstAtom* itemsOf(const VexQTmetaAtom& metadata) {
+    return dynamic_cast<VexQTilstAtom*>(metadata.childWithType("ilst"_os));
+}
+
+}  // namespace
+
+ExitStatus setKey(const Arguments& arguments, Console& console) {
+    const std::string& path = arguments.operands.front();
+    return edit(arguments, console, [&](VexQTAsset& asset) {
+        VexQTmetaAtom& metadata = metadataAt(path, asset);
+        requireSaved(arguments, asset, metadata, path);
+        for (const std::string& text : std::span(arguments.operands).subspan(1)) {
+            const Assignment assignment(text);
+            const VexQTilstAtom* items = itemsOf(metadata);
+            VexQTMetadataItem* item =
+                items != nullptr ? itemWithKey(*items, assignment.key) : nullptr;
+            assigning(assignment.key, [&] {
+                if (item == nullptr) {
+                    addKeyedItem(metadata, kKeyNameSpace, assignment.key,
+                                 dataAtomWithText(assignment.value));
+                    return;
+                }
+                const auto old = item->childWithType("data"_os);
+                if (old != nullptr) item->removeChild(old);
+                auto value = dataAtomWithText(assignment.value);
+                value->setParent(item);
+                item->insertChild(std::move(value), 0);
+            });
+        }
+    });
+}
+
+ExitStatus removeKey(const Arguments& arguments, Console& console) {
+    const std::string& path = arguments.operands.front();
+    return edit(arguments, console, [&](VexQTAsset& asset) {
+        VexQTmetaAtom& metadata = metadataAt(path, asset);
+        requireSaved(arguments, asset, metadata, path);
+        const VexQTilstAtom* items = itemsOf(metadata);
+        VexQTkeysAtom* keys = items != nullptr ? keysOfItems(*items) : nullptr;
+        if (keys == nullptr) throw Failure(path + ": the items here have no keys");
+        for (const std::string& key : std::span(arguments.operands).subspan(1)) {
+            const auto entry = std::ranges::find(keys->keys(), key, &VexQTKeyEntry::value);
+            if (entry == keys->keys().end()) throw Failure(path + ": no key '" + key + "'");
+            vexqt::removeKey(*keys, static_cast<std::size_t>(entry - keys->keys().begin()));
+        }
+    });
+}
+
 ExitStatus save(const Arguments& arguments, Console& console) {
-    return edit(arguments, console, [](VexQTAsset&) {});
+    Arguments exactly = arguments;
+    exactly.exact = true;  // There is no edit: what else would be saved?
+    return edit(exactly, console, [](VexQTAsset&) {});
 }
 
 }  // namespace vexqt::cli

@@ -10,6 +10,7 @@
 #include "vexqt/asset/AtomPath.h"
 #include "vexqt/platform/files.h"
 #include "vexqt/platform/log.h"
+#include "vexqt/saving/SafeSave.h"
 
 namespace vexqt::cli {
 
@@ -176,6 +177,14 @@ std::unique_ptr<VexQTAsset> readMovie(const std::string& file, const Arguments& 
 
 // MARK: Saving
 
+std::string describedFinding(const Finding& finding) {
+    std::string text;
+    if (!finding.path.empty()) text += finding.path + " ";
+    if (finding.range) text += "at " + std::to_string(finding.range->offset) + ": ";
+    if (!finding.path.empty() && !finding.range) text += ": ";
+    return text + finding.message + " [" + std::string(finding.id) + "]";
+}
+
 namespace {
 
 /// A file beside the one that it is to become, removed if it never does.
@@ -209,11 +218,6 @@ public:
         file->writeAt(0, bytes, error);
         check(error);
     }
-    void copy(const fs::path& from) {
-        std::error_code error;
-        systemFiles().copy(from, path_, {}, error);
-        check(error);
-    }
     void finish() {
         std::error_code error;
         systemFiles().rename(path_, target_, error);
@@ -226,9 +230,45 @@ private:
     bool isDone_ = false;
 };
 
-void saveInPlace(VexQTAsset& asset) {
-    std::error_code error;
-    if (!asset.writeInPlaceWithError(error)) throw Failure("cannot be saved: " + error.message());
+/// Says how a save went; a refusal and a failure leave by way of Failure.
+void conclude(const std::string& file, const SaveResult& result, Console& console) {
+    switch (result.outcome) {
+        case SaveResult::Outcome::NothingToDo:
+            return;
+        case SaveResult::Outcome::Saved:
+            for (const Finding& finding : result.plan.findings())
+                if (finding.severity != Severity::Note)
+                    console.complain(file, describedFinding(finding));
+            for (const std::string& note : result.notes) console.complain(file, note);
+            return;
+        case SaveResult::Outcome::Refused: {
+            std::string first;
+            for (const Finding& finding : result.plan.findings()) {
+                if (finding.severity != Severity::Destroys) continue;
+                if (!first.empty()) console.complain(file, first);
+                first = describedFinding(finding);
+            }
+            throw Failure(first + "; nothing was written (--force saves all the same)",
+                          ExitStatus::Refused);
+        }
+        case SaveResult::Outcome::Failed:
+            break;
+    }
+    std::string what = result.failure ? result.failure->what : "cannot be saved";
+    if (result.failure && result.failure->reason == SaveFailure::Reason::RecoveryNeeded)
+        what += " (vexqt recover " + file + ")";
+    throw Failure(what);
+}
+
+SaveOptions optionsFrom(const Arguments& arguments, UndoStore* undoStore) {
+    return {.form = arguments.exact ? SaveForm::Exact : SaveForm::Surgical,
+            .force = arguments.force,
+            .undo = undoStore};
+}
+
+UndoStore undoStoreFor(const Arguments& arguments) {
+    return UndoStore(systemFiles(),
+                     arguments.keepsNoUndo ? std::nullopt : UndoStore::folderOfUser());
 }
 
 }  // namespace
@@ -263,20 +303,24 @@ ExitStatus edit(const Arguments& arguments, Console& console,
             asset = openMovie(file, options);
             change(*asset);
         }
-        saveInPlace(*asset);
+        UndoStore undoStore = undoStoreFor(arguments);
+        conclude(file, saveInPlace(*asset, optionsFrom(arguments, &undoStore)), console);
     });
     if (changed != ExitStatus::Done || !arguments.output) return changed;
 
     return attempt(*arguments.output, console, [&] {
-        Draft draft(*arguments.output);
-        if (isFromMemory) {
-            draft.write(bytes);
-        } else {
-            draft.copy(file);
+        const std::string& output = *arguments.output;
+        const SaveOptions saving = optionsFrom(arguments, nullptr);
+        if (!isFromMemory) {
+            const auto asset = openMovie(file, options);
+            change(*asset);
+            return conclude(output, saveCopy(*asset, output, saving), console);
         }
+        Draft draft(output);
+        draft.write(bytes);
         const auto copy = openMovie(draft.path(), options);
         change(*copy);
-        saveInPlace(*copy);
+        conclude(output, saveInPlace(*copy, saving), console);
         draft.finish();
     });
 }

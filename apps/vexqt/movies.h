@@ -5,6 +5,7 @@
 
 #include "apps/vexqt/commands.h"
 #include "vexqt/asset/VexQTAsset.h"
+#include "vexqt/saving/Finding.h"
 
 namespace vexqt::cli {
 
@@ -27,6 +28,9 @@ ExitStatus attemptEach(const Arguments& arguments, Console& console,
 /// Changes a movie and saves it: in place, or in a copy that takes its name only when it is whole.
 ExitStatus edit(const Arguments& arguments, Console& console,
                 const std::function<void(VexQTAsset&)>& change);
+
+/// "moov.mvhd at 40: 'timeScale' was edited [atom-changes]".
+std::string describedFinding(const Finding& finding);
 
 /// Writes bytes to a file, which takes its name only when it is whole.
 void writeWhole(const std::string& file, ByteView bytes);

@@ -6,6 +6,7 @@
 #include "apps/vexqt/printable.h"
 #include "apps/vexqt/value_text.h"
 #include "vexqt/asset/AtomPath.h"
+#include "vexqt/atoms/metadata/keyed_items.h"
 #include "vexqt/core/full_atom.h"
 
 namespace vexqt::cli {
@@ -133,8 +134,16 @@ private:
                atom.flags0() != 0 || atom.flags1() != 0 || atom.flags2() != 0;
     }
 
+    /// A metadata item is known by its key, not by the number that stands for it.
+    static std::string nameOf(const VexQTAtom& atom) {
+        const auto* item = dynamic_cast<const VexQTMetadataItem*>(&atom);
+        const VexQTKeyEntry* key = item != nullptr ? keyOfItem(*item) : nullptr;
+        return key != nullptr && key->value() ? atom.atomName() + " " + *key->value()
+                                              : atom.atomName();
+    }
+
     void showHeading(const VexQTAtom& atom) {
-        line(bold(printable(atom.atomName())) + "  " +
+        line(bold(printable(nameOf(atom))) + "  " +
              typeColored("'" + printable(atom.atomTypeString()) + "'"));
         label("path", AtomPath::of(atom, asset_.rootAtoms()));
         label("class", atom.atomClass().className);
@@ -162,7 +171,7 @@ private:
         const auto collect = [&](const AtomPath::Atoms& level, std::size_t indent,
                                  const auto& self) -> void {
             for (const auto& atom : level) {
-                std::string name = printable(atom->atomName());
+                std::string name = printable(nameOf(*atom));
                 if (const auto declined = atom->declinedClass())
                     name += ", declined by " + *declined;
                 const Extent extent = atom->extent();

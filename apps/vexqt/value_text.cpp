@@ -66,6 +66,9 @@ std::string readableText(const Field& field, const Value& value) {
         return written;
     }
     if (const auto* color = std::get_if<Color>(&value)) return colorText(*color);
+    if (const auto* picture = std::get_if<Picture>(&value))
+        return std::to_string(picture->width()) + " × " + std::to_string(picture->height()) +
+               " pixels";
     return bareText(field, value);
 }
 

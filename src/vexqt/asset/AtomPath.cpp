@@ -2,6 +2,8 @@
 
 #include <charconv>
 
+#include "vexqt/atoms/metadata/keyed_items.h"
+
 namespace vexqt {
 
 namespace {
@@ -73,7 +75,7 @@ std::optional<OSType> mediaTypeOf(const VexQTAtom& atom) {
 
 // MARK: Telling what is there
 
-std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+std::string inQuotes(std::string_view text) { return "'" + std::string(text) + "'"; }
 
 char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -175,7 +177,7 @@ void PropertyPlace::setValue(const Value& value) const {
 
 AtomPath::AtomPath(std::string_view text) {
     const auto malformed = [text](const std::string& why) {
-        throw PathError(PathError::Reason::Malformed, quoted(text) + " is no path: " + why);
+        throw PathError(PathError::Reason::Malformed, inQuotes(text) + " is no path: " + why);
     };
     if (text.empty()) malformed("it is empty");
     std::size_t at = 0;
@@ -263,13 +265,15 @@ private:
 
     VexQTAtom& selected(const std::vector<VexQTAtom*>& found) const {
         const std::string& selector = *segment().selector;
-        const std::string name = quoted(segment().name);
+        const std::string name = inQuotes(segment().name);
         if (isDecimal(selector)) {
             const auto ordinal = ordinalFrom(selector);
             if (ordinal && *ordinal < found.size()) return *found[*ordinal];
             namesNothing(path(), howMany(found.size()) + name + " in " + holder() +
                                      ", and the first is [0]");
         }
+        if (const auto* items = dynamic_cast<const VexQTilstAtom*>(found.front()))
+            return itemNamed(*items, selector);
         const auto wanted = mediaSelectorFrom(selector);
         std::vector<std::string> types;
         std::size_t ofWantedType = 0;
@@ -286,6 +290,18 @@ private:
                      "no such media type, only " + listed(types) + didYouMean(selector, types));
     }
 
+    VexQTAtom& itemNamed(const VexQTilstAtom& items, const std::string& key) const {
+        if (VexQTMetadataItem* item = itemWithKey(items, key)) return *item;
+        std::vector<std::string> keys;
+        for (const auto& child : items.children()) {
+            const auto* item = dynamic_cast<const VexQTMetadataItem*>(child.get());
+            const VexQTKeyEntry* entry = item != nullptr ? keyOfItem(*item) : nullptr;
+            if (entry != nullptr && entry->value()) keys.push_back(*entry->value());
+        }
+        if (keys.empty()) namesNothing(path(), "the items here have no keys");
+        namesNothing(path(), "no item has this key, only " + listed(keys) + didYouMean(key, keys));
+    }
+
     [[noreturn]] void namesNoAtom() const {
         const std::vector<std::string> types = typesOf(below());
         if (atom_ != nullptr && types.empty()) {
@@ -295,7 +311,7 @@ private:
                              (properties.empty() ? std::string() : ", only " + listed(properties)) +
                              didYouMean(segment().name, properties));
         }
-        namesNothing(path(), "no " + quoted(segment().name) + " in " + holder() + ", only " +
+        namesNothing(path(), "no " + inQuotes(segment().name) + " in " + holder() + ", only " +
                                  listed(types) + didYouMean(segment().name, types));
     }
 
@@ -358,7 +374,7 @@ private:
                              (names.empty() ? std::string() : "; it has " + listed(names)));
         }
         std::vector<std::string> names = namesOf(atom_->properties());
-        std::string why = holder() + " has no property " + quoted(segment().name);
+        std::string why = holder() + " has no property " + inQuotes(segment().name);
         if (!names.empty()) why += ", only " + listed(names);
         for (const std::string& type : typesOf(below())) names.push_back(type);
         for (const std::string& name : namesOf(VexQTAtom::commonProperties()))

@@ -2,7 +2,8 @@
 //
 // A path walks from the roots by four-character codes. A code stands for the first child of that
 // type; in brackets behind it stands which other one is meant: trak[1] the second one, trak[soun]
-// the first whose media type is 'soun', trak[soun:1] the second of those. A code that has no plain
+// the first whose media type is 'soun', trak[soun:1] the second of those, and
+// ilst[com.example.title] the item of an item list whose key that is. A code that has no plain
 // form is written in hexadecimal, 0xA96E616D, and blanks at the end of one may be left out.
 //
 // A key is a path and the name of a property. Rows and cells of a list are named by

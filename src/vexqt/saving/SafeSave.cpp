@@ -144,6 +144,8 @@ SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options, FileSystem
                                         }});
     result.notes = transaction.notes();
     result.outcome = result.failure ? SaveResult::Outcome::Failed : SaveResult::Outcome::Saved;
+    if (!result.failure && options.undo != nullptr)
+        if (auto note = options.undo->keep(transaction)) result.notes.push_back(std::move(*note));
     return result;
 }
 

@@ -4,6 +4,7 @@
 
 #include "vexqt/saving/SaveFailure.h"
 #include "vexqt/saving/SavePlan.h"
+#include "vexqt/saving/UndoStore.h"
 
 namespace vexqt {
 
@@ -11,6 +12,8 @@ struct SaveOptions {
     SaveForm form = SaveForm::Surgical;
     /// Save although something will be destroyed.
     bool force = false;
+    /// Where the record is kept with which the save can be undone; null to keep none.
+    UndoStore* undo = nullptr;
     /// Told while bytes are kept and written.
     CopyProgress progress = {};
 };
