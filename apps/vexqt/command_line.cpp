@@ -96,8 +96,8 @@ constexpr CommandDescription kCommands[] = {
      .files = Files::One,
      .operands = {"PATH.KEY=VALUE",
                   "a value to set: numbers decimal or 0x…, codes as four characters, dates as "
-                  "2001-01-31T12:00:00Z, bytes as hexadecimal digits or @FILE, or as `get` prints "
-                  "them",
+                  "2001-01-31T12:00:00Z, bytes as hexadecimal digits or @FILE, pictures as "
+                  "@FILE, or as `get` prints them",
                   0, kAny},
      .saves = Saves::Edited,
      .run = set,

@@ -2,14 +2,15 @@
 //
 // What a command is told is looked up in the movie before anything is changed, so that a path means
 // what it meant in the file, and so that a command which fails has changed nothing.
+#include <charconv>
+#include <map>
+
 #include "apps/vexqt/commands.h"
 #include "apps/vexqt/movies.h"
 #include "apps/vexqt/value_text.h"
 #include "vexqt/asset/AtomPath.h"
 #include "vexqt/atoms/metadata/keyed_items.h"
 #include "vexqt/platform/Picture.h"
-
-#include <charconv>
 
 namespace vexqt::cli {
 
@@ -49,27 +50,58 @@ struct Assignment {
     }
 };
 
+/// The files that a command takes values and atoms from. Each is read once, although a change is
+/// made twice where a copy is saved.
+class Inputs {
+public:
+    Inputs(const Arguments& arguments, Console& console)
+        : isInputTaken_(arguments.file() == "-"), console_(console) {}
+
+    const Bytes& bytesOf(const std::string& file) {
+        const auto known = read_.find(file);
+        if (known != read_.end()) return known->second;
+        if (file == "-" && isInputTaken_)
+            throw Failure("standard input can be read only once", ExitStatus::WrongUsage);
+        try {
+            return read_.emplace(file, readAll(file, console_)).first->second;
+        } catch (const Failure& failure) {
+            throw Failure(file + ": " + failure.what());
+        }
+    }
+
+private:
+    bool isInputTaken_;
+    Console& console_;
+    std::map<std::string, Bytes> read_;
+};
+
 /// What a text stands for; @FILE stands for what a file holds where bytes or a picture are wanted.
-Value parsed(const Field& field, const std::string& text, Console& console) {
-    const bool isFile = text.starts_with('@');
-    if (field.kind == ValueKind::Data && isFile) return readAll(text.substr(1), console);
-    if (field.kind != ValueKind::Picture || !isFile) return valueFromText(field, text);
-    auto picture = Picture::decode(readAll(text.substr(1), console));
-    if (!picture) throw Failure(text.substr(1) + ": this is no JPEG, PNG or BMP picture");
-    return *std::move(picture);
+Value parsed(const Field& field, const std::string& text, Inputs& inputs) {
+    if (text.starts_with('@')) {
+        const std::string file = text.substr(1);
+        if (field.kind == ValueKind::Data) return inputs.bytesOf(file);
+        if (field.kind == ValueKind::Picture) {
+            const auto picture = Picture::decode(inputs.bytesOf(file));
+            if (!picture) throw Failure(file + " is no JPEG, PNG or BMP that can be read");
+            return *picture;
+        }
+    }
+    return valueFromText(field, text);
 }
 
 /// A picture file of the format that an atom holds is kept as it is, not encoded once more.
-void keepEncoding(VexQTAtom& atom, const std::string& file, Console& console) {
-    const Value kind = atom.valueForKey("dataTypeString");
-    const auto* name = std::get_if<std::string>(&kind);
-    if (name == nullptr || atom.propertyNamed("rawImageData") == nullptr) return;
-    Bytes bytes = readAll(file, console);
-    const auto format = Picture::formatOf(bytes);
-    const bool isSame = (format == PictureFormat::JPEG && *name == "VexQTDataAtomType_JPEGImage") ||
-                        (format == PictureFormat::PNG && *name == "VexQTDataAtomType_PNGImage") ||
-                        (format == PictureFormat::BMP && *name == "VexQTDataAtomType_BMPImage");
-    if (isSame) atom.setValueForKey(Value(std::move(bytes)), "rawImageData");
+void keepEncoding(VexQTAtom& atom, const Bytes& bytes) {
+    struct Kind {
+        PictureFormat format;
+        std::string_view name;
+    };
+    static constexpr Kind kKinds[] = {{PictureFormat::JPEG, VexQTDataAtomType_JPEGImage},
+                                      {PictureFormat::PNG, VexQTDataAtomType_PNGImage},
+                                      {PictureFormat::BMP, VexQTDataAtomType_BMPImage}};
+    const auto* kind = std::ranges::find(kKinds, atom.valueForKey("dataTypeString"),
+                                         [](const Kind& each) { return Value(each.name); });
+    if (kind != std::end(kKinds) && kind->format == Picture::formatOf(bytes))
+        atom.setValueForKey(Value(bytes), "rawImageData");
 }
 
 /// A value that does not fit is a mistake in the command line.
@@ -85,6 +117,7 @@ void assigning(const std::string& key, Work&& work) {
 }  // namespace
 
 ExitStatus set(const Arguments& arguments, Console& console) {
+    Inputs inputs(arguments, console);
     struct Change {
         std::string key;
         PropertyPlace place;
@@ -106,7 +139,7 @@ ExitStatus set(const Arguments& arguments, Console& console) {
                                          ? "this cannot be set"
                                          : "this is a table, whose cells are set one by one");
                 if (text != nullptr) {
-                    change.value = parsed(field, *text, console);
+                    change.value = parsed(field, *text, inputs);
                     if (field.kind == ValueKind::Picture && text->starts_with('@'))
                         change.pictureFile = text->substr(1);
                 } else if (!field.isOptional) {
@@ -123,7 +156,7 @@ ExitStatus set(const Arguments& arguments, Console& console) {
         for (const Change& change : changes) {
             assigning(change.key, [&] { change.place.setValue(change.value); });
             if (!change.pictureFile.empty())
-                keepEncoding(*change.place.atom, change.pictureFile, console);
+                keepEncoding(*change.place.atom, inputs.bytesOf(change.pictureFile));
         }
     });
 }
@@ -171,9 +204,8 @@ bool holdsChildren(const VexQTAtom& atom) {
 }
 
 /// An atom that is written back byte for byte, whatever its type.
-std::unique_ptr<VexQTAtom> atomFrom(const std::string& file, VexQTAtom& container,
-                                    Console& console) {
-    const Bytes bytes = readAll(file, console);
+std::unique_ptr<VexQTAtom> atomFrom(const std::string& file, VexQTAtom& container, Inputs& inputs) {
+    const Bytes& bytes = inputs.bytesOf(file);
     if (bytes.size() < 8)
         throw Failure(file + " holds no atom: " + std::to_string(bytes.size()) + " bytes");
     ByteReader in(bytes);
@@ -192,13 +224,14 @@ std::unique_ptr<VexQTAtom> atomFrom(const std::string& file, VexQTAtom& containe
 }  // namespace
 
 ExitStatus insert(const Arguments& arguments, Console& console) {
+    Inputs inputs(arguments, console);
     const std::string& path = arguments.operands[0];
     const std::string& atomFile = arguments.operands[1];
     return edit(arguments, console, [&](VexQTAsset& asset) {
         VexQTAtom& container = AtomPath(path).atomIn(asset.rootAtoms());
         requireSaved(arguments, asset, container, path);
         if (!holdsChildren(container)) throw Failure(path + ": this atom holds no other atoms");
-        auto atom = atomFrom(atomFile, container, console);
+        auto atom = atomFrom(atomFile, container, inputs);
         if (!arguments.after) return container.addChild(std::move(atom));
         const Field code = {.kind = ValueKind::Unsigned, .display = Display::Code};
         OSType type = 0;
@@ -238,7 +271,7 @@ PropertyPlace tableNamed(const Arguments& arguments, const VexQTAsset& asset, At
 
 /// Sets the columns of new rows; a list of plain numbers has one without a name.
 void fill(const PropertyPlace& place, std::size_t first, std::size_t count,
-          std::span<const std::string> assignments, Console& console) {
+          std::span<const std::string> assignments, Inputs& inputs) {
     const std::span<const Field> columns = place.property->list->columns;
     for (const std::string& text : assignments) {
         const Assignment assignment(text);
@@ -250,7 +283,7 @@ void fill(const PropertyPlace& place, std::size_t first, std::size_t count,
         PropertyPlace cell = place;
         cell.column = static_cast<std::size_t>(column - columns.begin());
         assigning(assignment.key, [&] {
-            const Value value = parsed(*column, assignment.value, console);
+            const Value value = parsed(*column, assignment.value, inputs);
             for (std::size_t row = first; row < first + count; ++row) {
                 cell.row = row;
                 cell.setValue(value);
@@ -262,6 +295,7 @@ void fill(const PropertyPlace& place, std::size_t first, std::size_t count,
 }  // namespace
 
 ExitStatus insertRows(const Arguments& arguments, Console& console) {
+    Inputs inputs(arguments, console);
     const std::string& key = arguments.operands.front();
     return edit(arguments, console, [&](VexQTAsset& asset) {
         const PropertyPlace place = tableNamed(arguments, asset, AtomPath::Rows::ThereAndEnd);
@@ -274,7 +308,7 @@ ExitStatus insertRows(const Arguments& arguments, Console& console) {
                           ExitStatus::WrongUsage);
         const std::size_t first = place.row.value_or(rows);
         list.insertRows(*place.atom, first, count);
-        fill(place, first, count, std::span(arguments.operands).subspan(given ? 2 : 1), console);
+        fill(place, first, count, std::span(arguments.operands).subspan(given ? 2 : 1), inputs);
     });
 }
 

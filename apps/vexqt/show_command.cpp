@@ -6,7 +6,6 @@
 #include "apps/vexqt/printable.h"
 #include "apps/vexqt/value_text.h"
 #include "vexqt/asset/AtomPath.h"
-#include "vexqt/atoms/metadata/keyed_items.h"
 #include "vexqt/core/full_atom.h"
 
 namespace vexqt::cli {
@@ -74,6 +73,9 @@ public:
     }
 
     void showAtom(const VexQTAtom& atom) {
+        labelColumns_ = kFewestLabelColumns;
+        for (const Field* property : atom.properties())
+            labelColumns_ = std::max(labelColumns_, property->name.size());
         showHeading(atom);
         showProperties(atom);
         if (const auto bytes = atom.unknownBytes()) showBytes("raw data", *bytes);
@@ -92,7 +94,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kLabelColumns = 24;
+    static constexpr std::size_t kFewestLabelColumns = 22;
     static constexpr std::size_t kFirstRows = 10, kLastRows = 3;
     static constexpr std::size_t kBytesOnLine = 16, kHexLines = 4;
     static constexpr std::size_t kLongestText = 240;
@@ -112,7 +114,7 @@ private:
         out_.write("\n");
     }
     void label(std::string_view name, std::string_view value, std::string_view note = {}) {
-        line("  " + padded(name, kLabelColumns) + std::string(value) +
+        line("  " + padded(name, labelColumns_) + "  " + std::string(value) +
              (note.empty() ? std::string() : "  " + dim(note)));
     }
 
@@ -124,28 +126,17 @@ private:
         return atoms;
     }
 
-    /// A class tells of versions and flags only where it reads them.
-    static bool hasVersion(const VexQTAtom& atom) {
-        return std::ranges::any_of(atom.atomClass().fields,
-                                   [](const Field& row) {
-                                       return row.decode == rows::readVersion ||
-                                              row.decode == rows::readFlags;
-                                   }) ||
-               atom.flags0() != 0 || atom.flags1() != 0 || atom.flags2() != 0;
-    }
-
-    /// A metadata item is known by its key, not by the number that stands for it.
-    static std::string nameOf(const VexQTAtom& atom) {
-        const auto* item = dynamic_cast<const VexQTMetadataItem*>(&atom);
-        const VexQTKeyEntry* key = item != nullptr ? keyOfItem(*item) : nullptr;
-        return key != nullptr && key->value() ? atom.atomName() + " " + *key->value()
-                                              : atom.atomName();
+    /// Versions and flags mean something only where the class reads them.
+    static bool reads(const VexQTAtom& atom, void (*part)(Record&, AtomReader&)) {
+        return std::ranges::find(atom.atomClass().fields, part, &Field::decode) !=
+               atom.atomClass().fields.end();
     }
 
     void showHeading(const VexQTAtom& atom) {
-        line(bold(printable(nameOf(atom))) + "  " +
+        line(bold(printable(atom.atomName())) + "  " +
              typeColored("'" + printable(atom.atomTypeString()) + "'"));
         label("path", AtomPath::of(atom, asset_.rootAtoms()));
+        if (const auto key = AtomPath::keyOf(atom)) label("key", printable(*key));
         label("class", atom.atomClass().className);
         if (const auto declined = atom.declinedClass())
             label("kept as raw data",
@@ -158,9 +149,10 @@ private:
                 fmt::format("{} to {}", position(extent.start),
                             position(extent.start + extent.length)),
                 extent.headerLength == 8 ? "" : fmt::format("{}-byte header", extent.headerLength));
-        if (hasVersion(atom))
-            label("version, flags", fmt::format("{}, 0x{:02X}{:02X}{:02X}", atom.version(),
-                                                atom.flags0(), atom.flags1(), atom.flags2()));
+        const std::string flags =
+            fmt::format("0x{:02X}{:02X}{:02X}", atom.flags0(), atom.flags1(), atom.flags2());
+        if (reads(atom, rows::readVersion)) label("version", std::to_string(atom.version()));
+        if (reads(atom, rows::readFlags) || flags != "0x000000") label("flags", flags);
     }
 
     void showTree(const AtomPath::Atoms& atoms, Depth depth) {
@@ -171,7 +163,8 @@ private:
         const auto collect = [&](const AtomPath::Atoms& level, std::size_t indent,
                                  const auto& self) -> void {
             for (const auto& atom : level) {
-                std::string name = printable(nameOf(*atom));
+                std::string name = printable(atom->atomName());
+                if (const auto key = AtomPath::keyOf(*atom)) name += " " + printable(*key);
                 if (const auto declined = atom->declinedClass())
                     name += ", declined by " + *declined;
                 const Extent extent = atom->extent();
@@ -284,7 +277,8 @@ private:
         std::vector<Column> columns;
         for (const Field& field : list.columns) {
             std::string name(field.name);
-            if (!field.unit.empty()) name += fmt::format(" ({})", field.unit);
+            if (!field.unit.empty())
+                name += fmt::format("{}({})", name.empty() ? "" : " ", field.unit);
             columns.push_back({name, columnsOf(name), field.isNumeric()});
         }
         forEachShown([&](std::size_t row) {
@@ -316,6 +310,7 @@ private:
     const VexQTAsset& asset_;
     Output& out_;
     bool hasColors_, showsEverything_;
+    std::size_t labelColumns_ = kFewestLabelColumns;
 };
 
 }  // namespace

@@ -67,8 +67,7 @@ std::string readableText(const Field& field, const Value& value) {
     }
     if (const auto* color = std::get_if<Color>(&value)) return colorText(*color);
     if (const auto* picture = std::get_if<Picture>(&value))
-        return std::to_string(picture->width()) + " × " + std::to_string(picture->height()) +
-               " pixels";
+        return fmt::format("{} x {} pixels", picture->width(), picture->height());
     return bareText(field, value);
 }
 
@@ -294,6 +293,8 @@ Value valueFromText(const Field& field, std::string_view text) {
             expected("a number", text);
         case ValueKind::Instant:
             return dateFrom(field, text);
+        case ValueKind::Picture:
+            expected("@FILE with a picture", text);
         default:
             throw ValueError("this cannot be given as text");
     }

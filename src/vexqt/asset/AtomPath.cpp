@@ -273,7 +273,7 @@ private:
                                      ", and the first is [0]");
         }
         if (const auto* items = dynamic_cast<const VexQTilstAtom*>(found.front()))
-            return itemNamed(*items, selector);
+            return itemSelected(*items);
         const auto wanted = mediaSelectorFrom(selector);
         std::vector<std::string> types;
         std::size_t ofWantedType = 0;
@@ -290,16 +290,14 @@ private:
                      "no such media type, only " + listed(types) + didYouMean(selector, types));
     }
 
-    VexQTAtom& itemNamed(const VexQTilstAtom& items, const std::string& key) const {
-        if (VexQTMetadataItem* item = itemWithKey(items, key)) return *item;
+    VexQTAtom& itemSelected(const VexQTilstAtom& items) const {
+        if (VexQTAtom* item = itemWithKey(items, *segment().selector)) return *item;
         std::vector<std::string> keys;
-        for (const auto& child : items.children()) {
-            const auto* item = dynamic_cast<const VexQTMetadataItem*>(child.get());
-            const VexQTKeyEntry* entry = item != nullptr ? keyOfItem(*item) : nullptr;
-            if (entry != nullptr && entry->value()) keys.push_back(*entry->value());
-        }
-        if (keys.empty()) namesNothing(path(), "the items here have no keys");
-        namesNothing(path(), "no item has this key, only " + listed(keys) + didYouMean(key, keys));
+        for (const auto& item : items.children())
+            if (auto key = keyOf(*item)) keys.push_back(std::move(*key));
+        namesNothing(path(), keys.empty() ? "these items have no keys, only codes"
+                                          : "no such key, only " + listed(keys) +
+                                                didYouMean(*segment().selector, keys));
     }
 
     [[noreturn]] void namesNoAtom() const {
@@ -414,6 +412,12 @@ std::string AtomPath::of(const VexQTAtom& atom, const Atoms& roots) {
         path = path.empty() ? segment : segment + '.' + path;
     }
     return path;
+}
+
+std::optional<std::string> AtomPath::keyOf(const VexQTAtom& atom) {
+    const auto* item = dynamic_cast<const VexQTMetadataItem*>(&atom);
+    const VexQTKeyEntry* key = item != nullptr ? keyOfItem(*item) : nullptr;
+    return key != nullptr ? key->value() : std::nullopt;
 }
 
 }  // namespace vexqt

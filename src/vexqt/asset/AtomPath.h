@@ -2,9 +2,9 @@
 //
 // A path walks from the roots by four-character codes. A code stands for the first child of that
 // type; in brackets behind it stands which other one is meant: trak[1] the second one, trak[soun]
-// the first whose media type is 'soun', trak[soun:1] the second of those, and
-// ilst[com.example.title] the item of an item list whose key that is. A code that has no plain
-// form is written in hexadecimal, 0xA96E616D, and blanks at the end of one may be left out.
+// the first whose media type is 'soun', trak[soun:1] the second of those. A code that has no plain
+// form is written in hexadecimal, 0xA96E616D, and blanks at the end of one may be left out. An item
+// of keyed metadata goes by its key: moov.meta.ilst[com.example.title].
 //
 // A key is a path and the name of a property. Rows and cells of a list are named by
 // stts.sampleDurations[0].sampleCount or ftyp.compatibleBrands[2].
@@ -65,6 +65,8 @@ public:
 
     /// The path of an atom, by ordinals alone; empty for one that is not below these roots.
     static std::string of(const VexQTAtom& atom, const Atoms& roots);
+    /// The text of the key that an item of keyed metadata belongs to; absent for everything else.
+    static std::optional<std::string> keyOf(const VexQTAtom& atom);
 
 private:
     struct Segment {

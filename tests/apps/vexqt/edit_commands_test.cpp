@@ -1,0 +1,437 @@
+// The commands that change a movie: what they write, and what they refuse.
+#include "tests/apps/vexqt/calling.h"
+
+namespace vexqt::cli {
+namespace {
+
+using namespace vexqt::testing;  // NOLINT: the bytes of atoms
+
+/// A movie behind media data, with one table of each kind.
+Bytes movieWithTables() {
+    return join(
+        {atom("ftyp"_os, {text("qt  "), u32(0x20050300), text("qt  ")}),
+         atom("mdat"_os, {text("DATA")}),
+         atom("moov"_os,
+              {movieHeader(),
+               atom("trak"_os,
+                    {trackHeader(1),
+                     atom("mdia"_os,
+                          {handler("vide"_os, "Handler"),
+                           atom("minf"_os,
+                                {atom("stbl"_os,
+                                      {atom("stts"_os,
+                                            {u32(0), u32(2), u32(10), u32(100), u32(20), u32(200)}),
+                                       atom("stco"_os, {u32(0), u32(2), u32(28), u32(30)})})})})}),
+               atom("udta"_os, {atom("abcd"_os, {u8(1)}), zeros(4)})})});
+}
+constexpr std::string_view kTable = "moov.trak.mdia.minf.stbl.stts.sampleDurations";
+constexpr std::string_view kNumbers = "moov.trak.mdia.minf.stbl.stco.chunkOffsets";
+
+class EditCommands : public CommandTest {
+protected:
+    EditCommands() { writeFile(tables_, movieWithTables()); }
+
+    /// Runs a command with -o, and says what a key has in the copy.
+    std::string changed(std::vector<std::string> arguments, const std::string& key) {
+        arguments.insert(arguments.end(), {"-o", copy_});
+        const Called called = call(arguments);
+        EXPECT_EQ(called.status, 0);
+        EXPECT_EQ(called.errors, "");
+        EXPECT_EQ(called.output, "");
+        return get(copy_, key);
+    }
+    static std::string get(const std::string& file, const std::string& key) {
+        const Called called = call({"get", file, key});
+        EXPECT_EQ(called.status, 0) << called.errors;
+        return called.output.substr(0, called.output.size() - 1);
+    }
+    /// Runs a command that fails, and says its message; neither file is touched.
+    std::string refused(std::vector<std::string> arguments, int status) {
+        const Bytes before = readFile(arguments[1]);
+        arguments.push_back("--in-place");
+        const Called called = call(arguments);
+        EXPECT_EQ(called.status, status);
+        EXPECT_EQ(called.output, "");
+        EXPECT_EQ(readFile(arguments[1]), before);
+        const std::string prefix = "vexqt: " + arguments[1] + ": ";
+        EXPECT_TRUE(called.errors.starts_with(prefix)) << called.errors;
+        return called.errors.substr(prefix.size(), called.errors.size() - prefix.size() - 1);
+    }
+    std::size_t filesInFolder() const {
+        return static_cast<std::size_t>(
+            std::distance(std::filesystem::directory_iterator(folder_.path()), {}));
+    }
+
+    const std::string tables_ = path("tables.mov");
+    const std::string copy_ = path("copy.mov");
+};
+
+// MARK: set
+
+TEST_F(EditCommands, SetChangesValuesOfEveryKind) {
+    const struct {
+        std::string key, value, after;
+    } cases[] = {
+        {"moov.mvhd.timeScale", "0x258", "600"},
+        {"moov.mvhd.duration", "4294967295", "4294967295"},
+        {"moov.mvhd.preferredRate", "-1.5", "-1.5"},
+        {"moov.mvhd.creationDateTime", "2024-05-01 12:00:00", "2024-05-01T12:00:00Z"},
+        {"moov.mvhd.matrix", "1 0 0 0 1 0 64 32 1", "[1, 0, 0, 0, 1, 0, 64, 32, 1]"},
+        {"moov.mvhd.flags2", "7", "7"},
+        {"moov.trak[soun].tkhd.layer", "9", "9"},
+        {"moov.trak[1].mdia.hdlr.componentSubType", "text", "text"},
+        {"moov.trak[1].mdia.hdlr.componentSubType", "0x00000020", std::string("\0\0\0 ", 4)},
+        {"moov.trak[1].mdia.hdlr.componentName", "a = b", "a = b"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.key + "=" + each.value);
+        EXPECT_EQ(changed({"set", movie_, each.key + "=" + each.value}, each.key), each.after);
+    }
+}
+
+TEST_F(EditCommands, SetChangesSeveralValuesAtOnce) {
+    EXPECT_EQ(changed({"set", movie_, "moov.mvhd.timeScale=25", "moov.mvhd.duration=50",
+                       "moov.trak[vide].tkhd.duration=50"},
+                      "moov.mvhd.timeScale"),
+              "25");
+    EXPECT_EQ(get(copy_, "moov.mvhd.duration"), "50");
+    EXPECT_EQ(get(copy_, "moov.trak.tkhd.duration"), "50");
+    EXPECT_EQ(get(copy_, "moov.trak[1].tkhd.duration"), "1200");
+}
+
+TEST_F(EditCommands, SetChangesCellsOfTables) {
+    EXPECT_EQ(changed({"set", tables_, std::string(kTable) + "[1].sampleCount=5",
+                       std::string(kNumbers) + "[0]=40"},
+                      std::string(kTable)),
+              "[\n  {\"sampleCount\": 10, \"sampleDuration\": 100},\n"
+              "  {\"sampleCount\": 5, \"sampleDuration\": 200}\n]");
+    EXPECT_EQ(get(copy_, std::string(kNumbers)), "[40, 30]");
+}
+
+TEST_F(EditCommands, SetMakesValuesAbsent) {
+    // What is absent of a date is written as the start of 2001.
+    EXPECT_EQ(changed({"set", movie_, "--absent", "moov.mvhd.modificationDateTime"},
+                      "moov.mvhd.modificationDateTime"),
+              "2001-01-01T00:00:00Z");
+    EXPECT_EQ(changed({"set", movie_, "moov.mvhd.modificationDateTime=null"},
+                      "moov.mvhd.modificationDateTime"),
+              "2001-01-01T00:00:00Z");
+    EXPECT_EQ(refused({"set", movie_, "--absent", "moov.mvhd.timeScale"}, 2),
+              "moov.mvhd.timeScale: this cannot be absent");
+}
+
+TEST_F(EditCommands, SetInPlaceWritesTheNewMovieBehindTheMediaData) {
+    const Called called = call({"set", movie_, "moov.mvhd.timeScale=25", "--in-place"});
+    EXPECT_EQ(called.status, 0);
+    EXPECT_EQ(called.errors, "");
+    Bytes expected = smallMovie();
+    // The time scale is the fourth byte of 32 bits behind the movie's and its header's own.
+    const std::size_t at = 36 + 8 + 8 + 12;
+    expected[at + 2] = 0;
+    expected[at + 3] = 25;
+    EXPECT_EQ(readFile(movie_), expected);
+}
+
+TEST_F(EditCommands, ACopyLeavesTheFileAsItIs) {
+    EXPECT_EQ(changed({"set", movie_, "moov.mvhd.timeScale=25"}, "moov.mvhd.timeScale"), "25");
+    EXPECT_EQ(readFile(movie_), smallMovie());
+    EXPECT_EQ(filesInFolder(), 3U);
+}
+
+TEST_F(EditCommands, ACopyReplacesWhatHasItsName) {
+    write("copy.mov", zeros(100'000));
+    EXPECT_EQ(changed({"set", movie_, "moov.mvhd.timeScale=25"}, "moov.mvhd.timeScale"), "25");
+    EXPECT_EQ(readFile(copy_).size(), smallMovie().size());
+}
+
+TEST_F(EditCommands, ACopyOfTheFileOnToItselfIsTheFileChanged) {
+    EXPECT_EQ(call({"set", movie_, "moov.mvhd.timeScale=25", "-o", movie_}).status, 0);
+    EXPECT_EQ(get(movie_, "moov.mvhd.timeScale"), "25");
+    EXPECT_EQ(filesInFolder(), 2U);
+}
+
+TEST_F(EditCommands, ACopyThroughALinkLeavesTheLink) {
+    std::filesystem::create_symlink(path("target.mov"), copy_);
+    write("target.mov", zeros(10));
+    EXPECT_EQ(changed({"set", movie_, "moov.mvhd.timeScale=25"}, "moov.mvhd.timeScale"), "25");
+    EXPECT_TRUE(std::filesystem::is_symlink(copy_));
+    EXPECT_EQ(get(path("target.mov"), "moov.mvhd.timeScale"), "25");
+}
+
+TEST_F(EditCommands, ACopyTakesTheNameOfNoDeviceOrFolder) {
+    for (const std::string& name : {std::string("/dev/null"), folder_.path().string()}) {
+        SCOPED_TRACE(name);
+        const Called called = call({"set", movie_, "moov.mvhd.timeScale=25", "-o", name});
+        EXPECT_EQ(called.status, 1);
+        EXPECT_EQ(called.errors, said(name, "is no regular file"));
+    }
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+}
+
+TEST_F(EditCommands, ACommandThatFailsLeavesNoCopy) {
+    EXPECT_EQ(call({"set", movie_, "moov.mvhd.timeScale=x", "-o", copy_}).status, 2);
+    EXPECT_EQ(call({"set", movie_, "moov.mvhd.timescale=1", "-o", copy_}).status, 1);
+    EXPECT_EQ(call({"set", path("none.mov"), "moov.mvhd.timeScale=1", "-o", copy_}).status, 1);
+    EXPECT_EQ(filesInFolder(), 2U);
+}
+
+TEST_F(EditCommands, StandardInputIsChangedIntoACopy) {
+    TextOutput out, errors;
+    const int input = ::open(movie_.c_str(), O_RDONLY | O_CLOEXEC);
+    EXPECT_EQ(run({"set", "-", "moov.mvhd.timeScale=25", "-o", copy_}, out, errors, input), 0);
+    ::close(input);
+    EXPECT_EQ(errors.text(), "");
+    EXPECT_EQ(get(copy_, "moov.mvhd.timeScale"), "25");
+}
+
+TEST_F(EditCommands, WhatIsReadIntoMemoryIsSavedAllTheSame) {
+    EXPECT_EQ(changed({"set", "--memory", movie_, "moov.mvhd.timeScale=25"}, "moov.mvhd.timeScale"),
+              "25");
+    EXPECT_EQ(call({"set", "--memory", movie_, "moov.mvhd.timeScale=26", "--in-place"}).status, 0);
+    EXPECT_EQ(get(movie_, "moov.mvhd.timeScale"), "26");
+}
+
+TEST_F(EditCommands, AValueThatDoesNotFitIsStatusTwo) {
+    const struct {
+        std::string assignment, message;
+    } cases[] = {
+        {"moov.mvhd.timeScale=4294967296",
+         "moov.mvhd.timeScale: a whole number from 0 to 4294967295 expected, not '4294967296'"},
+        {"moov.mvhd.timeScale=",
+         "moov.mvhd.timeScale: a whole number from 0 to 4294967295 "
+         "expected, not ''"},
+        {"moov.trak.mdia.mdhd.language=65536",
+         "moov.trak.mdia.mdhd.language: a whole number from 0 to 65535 expected, not '65536'"},
+        {"moov.mvhd.version=256",
+         "moov.mvhd.version: a whole number from 0 to 255 expected, not '256'"},
+        {"moov.mvhd.size=1", "moov.mvhd.size: this cannot be set"},
+        {"moov.mvhd.timeScale", "'moov.mvhd.timeScale' is no assignment: KEY=VALUE"},
+        {"moov..mvhd=1", "'moov..mvhd' is no path: a name is missing at 6"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.assignment);
+        EXPECT_EQ(refused({"set", movie_, each.assignment}, 2), each.message);
+    }
+    EXPECT_EQ(refused({"set", tables_, std::string(kTable) + "=1"}, 2),
+              std::string(kTable) + ": this is a table, whose cells are set one by one");
+}
+
+TEST_F(EditCommands, AWrongValueBehindARightOneChangesNothing) {
+    refused({"set", movie_, "moov.mvhd.timeScale=1", "moov.mvhd.duration=-1"}, 2);
+}
+
+TEST_F(EditCommands, APathThatNamesNothingIsStatusOne) {
+    EXPECT_EQ(refused({"set", movie_, "moov.trak[2].tkhd.layer=1"}, 1),
+              "moov.trak[2]: there are 2 'trak' in moov, and the first is [0]");
+}
+
+TEST_F(EditCommands, OnlyWhatIsInTheMovieAtomIsChanged) {
+    EXPECT_EQ(refused({"set", movie_, "ftyp.minorVersion=1"}, 1),
+              "ftyp.minorVersion: only what is in the movie atom is saved");
+    EXPECT_EQ(refused({"remove", movie_, "mdat"}, 1),
+              "mdat: only what is in the movie atom is saved");
+    EXPECT_EQ(refused({"insert", movie_, "ftyp", movie_}, 1),
+              "ftyp: only what is in the movie atom is saved");
+}
+
+TEST_F(EditCommands, OfSeveralMoviesOnlyTheLastIsChanged) {
+    const std::string two =
+        write("two.mov", join({smallMovie(), atom("moov"_os, {movieHeader(), zeros(1)})}));
+    EXPECT_EQ(refused({"set", two, "moov.mvhd.timeScale=1"}, 1),
+              "moov.mvhd.timeScale: only what is in the movie atom is saved, in the last one of "
+              "several");
+}
+
+// MARK: remove
+
+TEST_F(EditCommands, RemoveTakesAtomsOutByTheirPlacesInTheFile) {
+    EXPECT_EQ(
+        changed({"remove", movie_, "moov.trak[0]", "moov.trak[1].mdia"}, "moov.trak.tkhd.trackID"),
+        "2");
+    EXPECT_EQ(call({"outline", copy_}).output,
+              " 'ftyp' (24)\n"
+              " 'mdat' (12)\n"
+              " 'moov' (236)\n"
+              "   'mvhd' (108)\n"
+              "   'trak' (100)\n"
+              "     'tkhd' (92)\n"
+              "   'a.b]' (8)\n"
+              "   '\u00A9nam' (12)\n");
+}
+
+TEST_F(EditCommands, RemoveTakesAnAtomWithinAnotherAndOneNamedTwice) {
+    EXPECT_EQ(changed({"remove", movie_, "moov.trak", "moov.trak.mdia", "moov.trak"},
+                      "moov.trak.tkhd.trackID"),
+              "2");
+    EXPECT_EQ(call({"get", copy_, "moov.trak[1].size"}).status, 1);
+}
+
+TEST_F(EditCommands, RemoveLeavesTheMovieAtomItself) {
+    EXPECT_EQ(refused({"remove", movie_, "moov"}, 1),
+              "moov: the movie atom itself is not removed, only what is in it");
+}
+
+TEST_F(EditCommands, RemoveNeedsEveryPath) {
+    EXPECT_EQ(refused({"remove", movie_, "moov.trak", "moov.udta"}, 1),
+              "moov.udta: no 'udta' in moov, only mvhd, trak, 0x612E625D, 0xA96E616D");
+}
+
+// MARK: insert
+
+TEST_F(EditCommands, InsertAddsAnAtomAtTheEnd) {
+    const std::string file = write("atom.bin", atom("abcd"_os, {text("xyz")}));
+    EXPECT_EQ(changed({"insert", movie_, "moov", file}, "moov.abcd.unknownData"), "78797a");
+    EXPECT_TRUE(call({"outline", copy_}).output.ends_with("'\u00A9nam' (12)\n   'abcd' (11)\n"));
+}
+
+TEST_F(EditCommands, InsertAddsAnAtomBehindTheFirstOfAType) {
+    const std::string file = write("atom.bin", atom("abcd"_os));
+    changed({"insert", movie_, "moov", file, "--after", "trak"}, "moov.abcd.size");
+    EXPECT_EQ(call({"outline", copy_}).output.find("   'abcd' (8)\n   'trak' (180)"),
+              call({"outline", copy_}).output.find("   'abcd'"));
+    EXPECT_EQ(changed({"insert", movie_, "moov", file, "--after", "0xA96E616D"},
+                      "moov.abcd.offsetInFile"),
+              "532");
+    // As the library does where there is no such atom.
+    changed({"insert", movie_, "moov", file, "--after", "none"}, "moov.abcd.size");
+    EXPECT_TRUE(call({"outline", copy_}).output.ends_with("   'abcd' (8)\n"));
+}
+
+TEST_F(EditCommands, InsertKeepsTheAtomByteForByte) {
+    // Read by its class it would lose the flags and the last bytes.
+    const Bytes odd = atom("stts"_os, {u32(0x00FFFFFF), u32(1), u32(7), u32(8), text("more")});
+    const std::string file = write("atom.bin", odd);
+    changed({"insert", movie_, "moov.trak[1]", file}, "moov.trak[1].size");
+    const Bytes copy = readFile(copy_);
+    EXPECT_NE(std::ranges::search(copy, odd).begin(), copy.end());
+}
+
+TEST_F(EditCommands, InsertTakesWhatDataGave) {
+    const std::string file = path("tkhd.bin");
+    ASSERT_EQ(call({"data", movie_, "moov.trak[1].tkhd", "-o", file}).status, 0);
+    EXPECT_EQ(changed({"insert", movie_, "moov.trak", file, "--after", "tkhd"},
+                      "moov.trak.tkhd[1].trackID"),
+              "2");
+}
+
+TEST_F(EditCommands, InsertTakesOneWholeAtom) {
+    const struct {
+        Bytes bytes;
+        std::string message;
+    } cases[] = {
+        {{}, " holds no atom: 0 bytes"},
+        {zeros(7), " holds no atom: 7 bytes"},
+        {join({u32(1), text("abcd"), u32(0)}), " ends inside of the atom's header"},
+        {atomClaiming(20, "abcd"_os),
+         " is not one atom: its size field says 20, the file has 8 "
+         "bytes"},
+        {join({atom("abcd"_os), atom("efgh"_os)}),
+         " is not one atom: its size field says 8, the file has 16 bytes"},
+        {atomClaiming(0, "abcd"_os),
+         " is not one atom: its size field says 0, the file has 8 "
+         "bytes"},
+    };
+    const std::string file = path("atom.bin");
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.message);
+        write("atom.bin", each.bytes);
+        EXPECT_EQ(refused({"insert", movie_, "moov", file}, 1), file + each.message);
+    }
+    EXPECT_EQ(refused({"insert", movie_, "moov", path("none")}, 1),
+              path("none") + ": No such file or directory");
+}
+
+TEST_F(EditCommands, InsertNeedsAContainer) {
+    const std::string file = write("atom.bin", atom("abcd"_os));
+    EXPECT_EQ(refused({"insert", movie_, "moov.mvhd", file}, 1),
+              "moov.mvhd: this atom holds no other atoms");
+    EXPECT_EQ(refused({"insert", movie_, "moov.\u00A9nam", file}, 1),
+              "moov.\u00A9nam: this atom holds no other atoms");
+    EXPECT_EQ(refused({"insert", movie_, "moov", file, "--after", "abc"}, 2),
+              "--after: a code of four characters, or 0x and eight hexadecimal digits, expected, "
+              "not 'abc'");
+}
+
+// MARK: Rows
+
+TEST_F(EditCommands, InsertRowsAddsRowsInFrontOfOne) {
+    EXPECT_EQ(changed({"insert-rows", tables_, std::string(kTable) + "[1]", "2", "sampleCount=3",
+                       "sampleDuration=4"},
+                      std::string(kTable)),
+              "[\n  {\"sampleCount\": 10, \"sampleDuration\": 100},\n"
+              "  {\"sampleCount\": 3, \"sampleDuration\": 4},\n"
+              "  {\"sampleCount\": 3, \"sampleDuration\": 4},\n"
+              "  {\"sampleCount\": 20, \"sampleDuration\": 200}\n]");
+}
+
+TEST_F(EditCommands, InsertRowsAddsOneRowAtTheEnd) {
+    EXPECT_EQ(changed({"insert-rows", tables_, std::string(kNumbers), "=7"}, std::string(kNumbers)),
+              "[28, 30, 7]");
+    EXPECT_EQ(
+        changed({"insert-rows", tables_, std::string(kNumbers) + "[2]"}, std::string(kNumbers)),
+        "[28, 30, 0]");
+}
+
+TEST_F(EditCommands, RemoveRowsTakesRowsOut) {
+    EXPECT_EQ(
+        changed({"remove-rows", tables_, std::string(kNumbers) + "[0]"}, std::string(kNumbers)),
+        "[30]");
+    EXPECT_EQ(changed({"remove-rows", tables_, std::string(kNumbers) + "[0]", "2"},
+                      std::string(kNumbers)),
+              "[]");
+}
+
+TEST_F(EditCommands, RowsOfWhatIsNoTableAreRefused) {
+    EXPECT_EQ(refused({"insert-rows", tables_, "moov.mvhd.timeScale"}, 2),
+              "moov.mvhd.timeScale: this is no table and no row of one");
+    EXPECT_EQ(refused({"remove-rows", tables_, std::string(kTable) + "[0].sampleCount"}, 2),
+              std::string(kTable) + "[0].sampleCount: this is no table and no row of one");
+    EXPECT_EQ(refused({"remove-rows", tables_, std::string(kTable)}, 2),
+              "remove-rows takes PATH.LIST[ROW] and a number of rows");
+    EXPECT_EQ(refused({"remove-rows", tables_, std::string(kTable) + "[0]", "x"}, 2),
+              "remove-rows takes PATH.LIST[ROW] and a number of rows");
+}
+
+TEST_F(EditCommands, RowsThatAreNotThereAreRefused) {
+    EXPECT_EQ(refused({"insert-rows", tables_, std::string(kNumbers) + "[4]"}, 1),
+              std::string(kNumbers) + "[4]: the rows are [0] to [1]");
+    EXPECT_EQ(refused({"remove-rows", tables_, std::string(kNumbers) + "[2]"}, 1),
+              std::string(kNumbers) + "[2]: the rows are [0] to [1]");
+    EXPECT_EQ(refused({"remove-rows", tables_, std::string(kNumbers) + "[1]", "2"}, 1),
+              std::string(kNumbers) + "[1]: there are 2 rows, so only 1 from here on");
+}
+
+TEST_F(EditCommands, NewRowsThatDoNotFitAreRefused) {
+    EXPECT_EQ(refused({"insert-rows", tables_, std::string(kTable), "4294967295"}, 2),
+              std::string(kTable) + ": a table has at most 4294967295 rows");
+    EXPECT_EQ(refused({"insert-rows", tables_, std::string(kTable), "count=1"}, 2),
+              "'count' is no column of sampleDurations");
+    EXPECT_EQ(refused({"insert-rows", tables_, std::string(kTable), "sampleCount=-1"}, 2),
+              "sampleCount: a whole number from 0 to 4294967295 expected, not '-1'");
+    EXPECT_EQ(refused({"insert-rows", tables_, std::string(kTable), "x"}, 2),
+              "'x' is no assignment: KEY=VALUE");
+}
+
+// MARK: save
+
+TEST_F(EditCommands, SaveRewritesTheMovieInPlace) {
+    // The movie lies in front of its media data, so it moves behind it and leaves free space.
+    const Bytes fileType = atom("ftyp"_os, {text("qt  "), u32(0)});
+    const Bytes movie = atom("moov"_os, {movieHeader(), track(1, "vide"_os)});
+    const Bytes media = atom("mdat"_os, {text("DATA")});
+    const std::string file = write("first.mov", join({fileType, movie, media}));
+    const Called called = call({"save", file});
+    EXPECT_EQ(called.status, 0);
+    EXPECT_EQ(called.output, "");
+    EXPECT_EQ(called.errors, "");
+    Bytes freed = movie;
+    std::ranges::copy(text("free"), freed.begin() + 4);
+    EXPECT_EQ(readFile(file), join({fileType, freed, media, movie}));
+}
+
+TEST_F(EditCommands, SaveNeedsAFileThatCanBeWritten) {
+    EXPECT_EQ(call({"save", path("none.mov")}).status, 1);
+}
+
+}  // namespace
+}  // namespace vexqt::cli
