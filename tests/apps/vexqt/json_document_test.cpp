@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "testing/small_movie.h"
+#include "vexqt/atoms/sampletables/VexQTstscAtom.h"
 #include "vexqt/core/list.h"
 
 namespace vexqt::cli {
@@ -223,6 +224,31 @@ TEST(JsonDocument, EveryRowOfALongTableIsThere) {
             ASSERT_EQ(properties["entries"][i]["shift"], -static_cast<std::int64_t>(i));
             ASSERT_EQ(properties["entries"][i]["rate"], i * 0.5);
             ASSERT_EQ(properties["numbers"][i], std::uint64_t{i} << 40);
+        }
+    }
+}
+
+TEST(JsonDocument, EveryRowOfALongTableOfNothingButIntegersIsThere) {
+    // Of every number of digits, each just below and at a power of ten.
+    std::vector<std::uint32_t> numbers = {0};
+    for (std::uint32_t power = 1; numbers.size() < 20; power *= 10) {
+        numbers.push_back(power);
+        numbers.push_back(power * 10 - 1);
+    }
+    constexpr std::uint32_t kRows = 10'007;
+    std::vector<VexQTSampleToChunkEntry> entries;
+    for (std::uint32_t i = 0; i < kRows; ++i)
+        entries.emplace_back(i, numbers[i % numbers.size()], 0xFFFFFFFF - i);
+    VexQTstscAtom table;
+    table.setSampleToChunkEntries(std::move(entries));
+    for (const Layout layout : {Layout::Indented, Layout::OneLine}) {
+        const auto rows =
+            nlohmann::json::parse(atomText(table, layout))["properties"]["sampleToChunkEntries"];
+        ASSERT_EQ(rows.size(), kRows);
+        for (std::uint32_t i = 0; i < kRows; ++i) {
+            ASSERT_EQ(rows[i]["firstChunk"], i);
+            ASSERT_EQ(rows[i]["samplesPerChunk"], numbers[i % numbers.size()]);
+            ASSERT_EQ(rows[i]["sampleDescriptionID"], 0xFFFFFFFF - i);
         }
     }
 }
