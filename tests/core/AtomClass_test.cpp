@@ -91,7 +91,7 @@ TEST(HeaderRule, ReadExtendedPlusOneAddsOneToAnExtendedSize) {
     EXPECT_EQ(taken<HeaderRule::ReadExtendedPlusOne>(kShort), (Taken{99, "abcd", 12}));
     EXPECT_EQ(taken<HeaderRule::ReadExtendedPlusOne>(kShortZero), (Taken{12, "abcd", 12}));
     EXPECT_EQ(taken<HeaderRule::ReadExtendedPlusOne>(kExtended), (Taken{100, "abcd", 12}));
-    EXPECT_EQ(taken<HeaderRule::ReadExtendedPlusOne>(kExtendedZero), (Taken{20, "abcd", 12}));
+    EXPECT_EQ(taken<HeaderRule::ReadExtendedPlusOne>(kExtendedZero), (Taken{1, "abcd", 12}));
 }
 
 TEST(HeaderRule, ReadSizeFieldTakesTheFieldAsItStands) {
@@ -107,6 +107,12 @@ TEST(HeaderRule, GenericTakes16FromAnExtendedSize) {
     EXPECT_EQ(taken<HeaderRule::Generic>(kExtended16), (Taken{20, "abcd", 20}));
     EXPECT_EQ(taken<HeaderRule::Generic>(kExtendedZero), (Taken{0 - 16ULL, "abcd", 12}));
     EXPECT_EQ(taken<HeaderRule::Generic>(kExtended7), (Taken{0 - 9ULL, "abcd", 12}));
+}
+
+TEST(HeaderRule, GenericFieldsAtEightLeavesAnExtendedSizeToTheRows) {
+    EXPECT_EQ(taken<HeaderRule::GenericFieldsAtEight>(kShort), (Taken{99, "abcd", 12}));
+    EXPECT_EQ(taken<HeaderRule::GenericFieldsAtEight>(kShortZero), (Taken{12, "abcd", 12}));
+    EXPECT_EQ(taken<HeaderRule::GenericFieldsAtEight>(kExtended), (Taken{83, "abcd", 20}));
 }
 
 TEST(HeaderRule, ThatReadsRaisesWhereTheHeaderIsCutShort) {

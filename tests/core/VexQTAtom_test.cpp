@@ -210,6 +210,17 @@ TEST(Atom, WritingDoesNotTouchTheSizesAbove) {
     EXPECT_EQ(root.atomSize(), 500U);
 }
 
+TEST(Atom, ThatCannotBeWrittenSaysWhereItIs) {
+    const Bytes stubborn = testing::atom("stub"_os, {u8(0)});
+    const auto root = Nest::initWithData(
+        testing::atom("nest"_os, {testing::atom("nest"_os, {u8(0)}),
+                                  testing::atom("nest"_os, {testing::atom("free"_os), stubborn})}),
+        nullptr, 1000);
+    EXPECT_EQ(errorOf<EncodingError>([&] { root->atomData(); }),
+              "nest.nest[1].stub at 1033: it has no form");
+    EXPECT_EQ(errorOf<EncodingError>([&] { Stubborn().atomData(); }), "stub at 0: it has no form");
+}
+
 TEST(Atom, VerifyingHasNoEffect) {
     const auto atom = read(testing::atom("abcd"_os, {text("xyz")}));
     atom->verifyCalculatedDataWithOriginalData(Bytes{1, 2, 3});

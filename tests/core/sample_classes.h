@@ -46,17 +46,37 @@ inline constinit const AtomClass Hungry::kClass = {.type = "hung"_os,
                                                    .fields = Layout::fields,
                                                    .create = vexqt::create<Hungry>};
 
-/// Holds others of its own class, leaves and hungry ones; drops 'drop'.
+/// Cannot be written.
+class Stubborn final : public AtomOf<Stubborn> {
+public:
+    static const AtomClass kClass;
+
+private:
+    struct Layout;
+};
+
+struct Stubborn::Layout {
+    static constexpr Field fields[] = {
+        {.encode = [](const Record&, ByteWriter&) { throw EncodingError("it has no form"); }}};
+};
+inline constinit const AtomClass Stubborn::kClass = {.type = "stub"_os,
+                                                     .className = "Stubborn",
+                                                     .atomName = "Stubborn",
+                                                     .fields = Layout::fields,
+                                                     .create = vexqt::create<Stubborn>};
+
+/// Holds others of its own class, leaves, hungry and stubborn ones; drops 'drop'.
 class Nest final : public AtomOf<Nest, ContainerAtom> {
 public:
     static const AtomClass kClass;
-    static const ChildRule kTable[4];
+    static const ChildRule kTable[5];
 };
 
 inline constinit const ChildRule Nest::kTable[] = {
     {.cls = &Nest::kClass},
     {.cls = &Leaf::kClass},
     {.cls = &Hungry::kClass},
+    {.cls = &Stubborn::kClass},
     {.cls = nullptr, .type = "drop"_os},
 };
 inline constinit const AtomClass Nest::kClass = {.type = "nest"_os,

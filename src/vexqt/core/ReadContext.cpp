@@ -47,10 +47,7 @@ ReadContext::Step::~Step() {
 }
 
 std::string ReadContext::Step::segment() const {
-    const std::size_t ordinal = context_.countOfType(type_, level_, siblings_, before_);
-    std::string segment = pathSegment(type_);
-    if (ordinal > 0) segment += '[' + std::to_string(ordinal) + ']';
-    return segment;
+    return pathSegment(type_, context_.countOfType(type_, level_, siblings_, before_));
 }
 
 }  // namespace vexqt

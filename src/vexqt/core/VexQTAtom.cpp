@@ -248,8 +248,23 @@ Bytes VexQTAtom::atomData() {
 }
 
 void VexQTAtom::appendRows(ByteWriter& out) {
-    for (const Field& field : class_.fields)
-        if (field.encode != nullptr && isPresent(field, *this)) field.encode(*this, out);
+    try {
+        for (const Field& field : class_.fields)
+            if (field.encode != nullptr && isPresent(field, *this)) field.encode(*this, out);
+    } catch (Error& error) {
+        error.enter(pathSegment(type_, siblingsBefore()), offsetInFile_);
+        throw;
+    }
+}
+
+std::size_t VexQTAtom::siblingsBefore() const {
+    if (parent_ == nullptr) return 0;
+    std::size_t before = 0;
+    for (const auto& sibling : parent_->children_) {
+        if (sibling.get() == this) return before;
+        if (sibling->type_ == type_) ++before;
+    }
+    return 0;
 }
 
 void VexQTAtom::appendTo(ByteWriter& out) {

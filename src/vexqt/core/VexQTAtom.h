@@ -212,6 +212,8 @@ private:
     Extras& extras();
     void decode(const SharedBytes& bytes, ReadContext& context);
     void appendRows(ByteWriter& out);
+    /// How many children of its parent lie before this one and have its type; 0 where it is none.
+    std::size_t siblingsBefore() const;
     void appendWithHeaderAsHeld(ByteWriter& out);
 
     const AtomClass& class_;

@@ -49,4 +49,8 @@ std::string pathSegment(OSType code) {
     return hexadecimal;
 }
 
+std::string pathSegment(OSType code, std::size_t before) {
+    return before == 0 ? pathSegment(code) : pathSegment(code) + '[' + std::to_string(before) + ']';
+}
+
 }  // namespace vexqt

@@ -31,5 +31,7 @@ OSType codeFromText(std::string_view text);
 /// A code as it stands in a path: its characters, or 0x and eight hexadecimal digits where one of
 /// them is not printable ASCII or has a meaning in paths.
 std::string pathSegment(OSType code);
+/// The same of an atom with that many of its type before it: "trak", or "trak[2]" for the third.
+std::string pathSegment(OSType code, std::size_t before);
 
 }  // namespace vexqt
