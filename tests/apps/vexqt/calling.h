@@ -28,25 +28,6 @@ inline Called call(const std::vector<std::string>& arguments) {
     return called;
 }
 
-/// A folder with the small movie in it.
-class CommandTest : public ::testing::Test {
-protected:
-    CommandTest() { testing::writeFile(movie_, testing::smallMovie()); }
-
-    std::string path(const std::string& name) const { return (folder_ / name).string(); }
-    std::string write(const std::string& name, const Bytes& bytes) const {
-        testing::writeFile(folder_ / name, bytes);
-        return path(name);
-    }
-    /// What standard error has of a file: "vexqt: FILE: " in front of it, a line end behind.
-    static std::string said(const std::string& file, const std::string& what) {
-        return "vexqt: " + file + ": " + what + "\n";
-    }
-
-    testing::TemporaryFolder folder_;
-    const std::string movie_ = (folder_ / "clip.mov").string();
-};
-
 /// Restores the value that a variable of the environment had.
 class EnvironmentVariable {
 public:
@@ -65,6 +46,28 @@ private:
 
     const char* name_;
     std::optional<std::string> before_;
+};
+
+/// A folder with the small movie in it.
+class CommandTest : public ::testing::Test {
+protected:
+    CommandTest() { testing::writeFile(movie_, testing::smallMovie()); }
+
+    std::string path(const std::string& name) const { return (folder_ / name).string(); }
+    std::string write(const std::string& name, const Bytes& bytes) const {
+        testing::writeFile(folder_ / name, bytes);
+        return path(name);
+    }
+    /// What standard error has of a file: "vexqt: FILE: " in front of it, a line end behind.
+    static std::string said(const std::string& file, const std::string& what) {
+        return "vexqt: " + file + ": " + what + "\n";
+    }
+
+    testing::TemporaryFolder folder_;
+    testing::TemporaryFolder state_;  ///< Where undo records are kept.
+    const EnvironmentVariable stateHome_{"XDG_STATE_HOME", state_.path().c_str()};
+    const EnvironmentVariable undo_{"VEXQT_UNDO", nullptr};
+    const std::string movie_ = (folder_ / "clip.mov").string();
 };
 
 }  // namespace vexqt::cli

@@ -1,4 +1,6 @@
 // The commands that change a movie: what they write, and what they refuse.
+#include <nlohmann/json.hpp>
+
 #include "tests/apps/vexqt/calling.h"
 
 namespace vexqt::cli {
@@ -225,21 +227,126 @@ TEST_F(EditCommands, APathThatNamesNothingIsStatusOne) {
               "moov.trak[2]: there are 2 'trak' in moov, and the first is [0]");
 }
 
-TEST_F(EditCommands, OnlyWhatIsInTheMovieAtomIsChanged) {
-    EXPECT_EQ(refused({"set", movie_, "ftyp.minorVersion=1"}, 1),
-              "ftyp.minorVersion: only what is in the movie atom is saved");
-    EXPECT_EQ(refused({"remove", movie_, "mdat"}, 1),
-              "mdat: only what is in the movie atom is saved");
-    EXPECT_EQ(refused({"insert", movie_, "ftyp", movie_}, 1),
-              "ftyp: only what is in the movie atom is saved");
+TEST_F(EditCommands, ExactlyOnlyWhatIsInTheMovieAtomIsChanged) {
+    EXPECT_EQ(refused({"set", movie_, "ftyp.minorVersion=1", "--exact"}, 1),
+              "ftyp.minorVersion: with --exact only what is in the movie atom is saved");
+    EXPECT_EQ(refused({"remove", movie_, "mdat", "--exact"}, 1),
+              "mdat: with --exact only what is in the movie atom is saved");
 }
 
-TEST_F(EditCommands, OfSeveralMoviesOnlyTheLastIsChanged) {
+TEST_F(EditCommands, ExactlyOnlyTheLastOfSeveralMoviesIsChanged) {
     const std::string two =
         write("two.mov", join({smallMovie(), atom("moov"_os, {movieHeader(), zeros(1)})}));
-    EXPECT_EQ(refused({"set", two, "moov.mvhd.timeScale=1"}, 1),
-              "moov.mvhd.timeScale: only what is in the movie atom is saved, in the last one of "
-              "several");
+    EXPECT_EQ(refused({"set", two, "moov.mvhd.timeScale=1", "--exact"}, 1),
+              "moov.mvhd.timeScale: with --exact only what is in the movie atom is saved, in the "
+              "last one of several");
+}
+
+TEST_F(EditCommands, WhatIsOutsideOfTheMovieAtomIsSavedToo) {
+    EXPECT_EQ(changed({"set", movie_, "ftyp.minorVersion=77"}, "ftyp.minorVersion"), "77");
+    Bytes expected = readFile(movie_);
+    std::ranges::copy(u32(77), expected.begin() + 12);
+    EXPECT_EQ(readFile(copy_), expected);
+}
+
+TEST_F(EditCommands, AnAtomRemovedFromTheTopBecomesFreeSpace) {
+    const std::string file = write("uuid.mov", join({atom("uuid"_os, {zeros(12)}), smallMovie()}));
+    ASSERT_EQ(call({"remove", file, "uuid", "--in-place"}).status, 0);
+    Bytes expected = join({atom("free"_os, {zeros(12)}), smallMovie()});
+    EXPECT_EQ(readFile(file), expected);
+}
+
+TEST_F(EditCommands, SetChangesTheBytesOfTheFieldAndNoOther) {
+    Bytes expected = readFile(movie_);
+    ASSERT_EQ(call({"set", movie_, "moov.mvhd.nextTrackID=305419896", "--in-place"}).status, 0);
+    const Bytes after = readFile(movie_);
+    const auto at = std::ranges::search(after, u32(305419896));
+    ASSERT_EQ(at.size(), 4u);
+    std::ranges::copy(u32(305419896), expected.begin() + (at.begin() - after.begin()));
+    EXPECT_EQ(after, expected);
+}
+
+TEST_F(EditCommands, UndoTakesSavesBackOneByOne) {
+    const Bytes before = readFile(movie_);
+    ASSERT_EQ(call({"set", movie_, "moov.mvhd.timeScale=90000", "--in-place"}).status, 0);
+    const Bytes once = readFile(movie_);
+    ASSERT_EQ(call({"remove", movie_, "moov.trak[1]", "--in-place"}).status, 0);
+    EXPECT_EQ(call({"undo", movie_}).status, 0);
+    EXPECT_EQ(readFile(movie_), once);
+    EXPECT_EQ(call({"undo", movie_}).status, 0);
+    EXPECT_EQ(readFile(movie_), before);
+    EXPECT_EQ(call({"undo", movie_}).status, 1);
+    EXPECT_EQ(readFile(movie_), before);
+}
+
+TEST_F(EditCommands, WithoutUndoRecordsThereIsNothingToTakeBack) {
+    ASSERT_EQ(call({"set", movie_, "moov.mvhd.timeScale=90000", "--in-place", "--no-undo"}).status,
+              0);
+    EXPECT_EQ(call({"undo", movie_}).status, 1);
+}
+
+TEST_F(EditCommands, ASaveThatWouldDestroySomethingIsRefusedWithoutForce) {
+    const std::string file = write(
+        "fragments.mov",
+        join({atom("moov"_os, {movieHeader(), atom("free"_os, {zeros(1)})}),
+              atom("moof"_os, {atom("mfhd"_os, {u32(1), u32(1)})}), atom("mdat"_os, {zeros(9)})}));
+    const Bytes before = readFile(file);
+    const std::string more = write("atom.bin", atom("abcd"_os, {zeros(90)}));
+    const Called called = call({"insert", file, "moov", more, "--in-place"});
+    EXPECT_EQ(called.status, 3);
+    EXPECT_NE(called.errors.find("[behind-fragments]"), std::string::npos) << called.errors;
+    EXPECT_EQ(readFile(file), before);
+    EXPECT_EQ(call({"insert", file, "moov", more, "--in-place", "--force"}).status, 0);
+    EXPECT_EQ(call({"get", file, "moov.abcd.size"}).output, "98\n");
+}
+
+TEST_F(EditCommands, RecoverSaysThatThereIsNothingToDo) {
+    EXPECT_EQ(call({"recover", movie_}).status, 0);
+}
+
+TEST_F(EditCommands, SetKeyAddsAndChangesAndRemoveKeyRemoves) {
+    ASSERT_EQ(call({"set-key", movie_, "moov.meta", "com.example.title=One", "com.example.reel=A3",
+                    "--in-place"})
+                  .status,
+              0);
+    EXPECT_EQ(call({"get", movie_, "moov.meta.ilst[com.example.title].data.text"}).output, "One\n");
+    ASSERT_EQ(call({"set-key", movie_, "moov.meta", "com.example.title=Two", "--in-place"}).status,
+              0);
+    EXPECT_EQ(call({"get", movie_, "moov.meta.ilst[com.example.title].data.text"}).output, "Two\n");
+    ASSERT_EQ(call({"remove-key", movie_, "moov.meta", "com.example.title", "--in-place"}).status,
+              0);
+    EXPECT_EQ(call({"get", movie_, "moov.meta.ilst[com.example.reel].data.text"}).output, "A3\n");
+    EXPECT_EQ(call({"get", movie_, "moov.meta.ilst[com.example.title].data.text"}).status, 1);
+    EXPECT_EQ(call({"remove-key", movie_, "moov.meta", "no.such", "--in-place"}).status, 1);
+}
+
+// MARK: check
+
+TEST_F(EditCommands, CheckOfAMovieThatComesBackAsItIsIsStatusZero) {
+    const std::string plain = write(
+        "plain.mov", join({atom("ftyp"_os, {text("qt  "), u32(0)}), atom("mdat"_os, {zeros(9)}),
+                           atom("moov"_os, {atom("wide"_os, {zeros(4)})})}));
+    const Called called = call({"check", plain});
+    EXPECT_EQ(called.status, 0) << called.output;
+    EXPECT_EQ(called.output,
+              plain +
+                  "\n  a save writes the bytes of what was edited and nothing else\n"
+                  "  with --exact too, all that is not edited comes back as it is\n");
+}
+
+TEST_F(EditCommands, CheckNamesWhatAnExactSaveWouldChange) {
+    const std::string first =
+        write("first.mov",
+              join({atom("moov"_os, {atom("wide"_os, {zeros(4)})}), atom("mdat"_os, {zeros(9)})}));
+    const Called called = call({"check", "--json", first});
+    EXPECT_EQ(called.status, 3);
+    const auto document = nlohmann::json::parse(called.output);
+    EXPECT_EQ(document["file"], first);
+    EXPECT_EQ(document["surgical"]["way"], "nothing");
+    EXPECT_TRUE(document["surgical"]["findings"].empty());
+    ASSERT_EQ(document["exact"]["findings"].size(), 1u);
+    EXPECT_EQ(document["exact"]["findings"][0]["id"], "movie-no-longer-first");
+    EXPECT_EQ(document["exact"]["findings"][0]["severity"], "changes");
 }
 
 // MARK: remove
