@@ -30,6 +30,10 @@ struct Case {
             entries.push_back(static_cast<std::uint8_t>((i < width ? 0xA0 : 0xB0 - width) + i));
         return atom(cls.type, {u8(0), u8(1), u8(2), u8(3), size, u32(2), entries, u8(7), u16(8)});
     }
+
+    friend std::ostream& operator<<(std::ostream& out, const Case& table) {
+        return out << table.cls.className;
+    }
 };
 const Case kCases[] = {
     {VexQTsttsAtom::kClass, "sampleDurations", 8},

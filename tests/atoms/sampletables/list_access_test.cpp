@@ -23,6 +23,10 @@ struct Case {
     std::string cells;
     std::vector<std::string_view> columns;
     std::vector<std::string_view> units;
+
+    friend std::ostream& operator<<(std::ostream& out, const Case& table) {
+        return out << table.cls.className;
+    }
 };
 
 const Case kCases[] = {
