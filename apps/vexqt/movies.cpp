@@ -237,7 +237,7 @@ void conclude(const std::string& file, const SaveResult& result, Console& consol
             return;
         case SaveResult::Outcome::Saved:
             for (const Finding& finding : result.plan.findings())
-                if (finding.severity != Severity::Note)
+                if (finding.severity != Severity::Note && result.plan.form() != SaveForm::Exact)
                     console.complain(file, describedFinding(finding));
             for (const std::string& note : result.notes) console.complain(file, note);
             return;

@@ -390,6 +390,7 @@ public:
     void truncate(std::uint64_t, std::error_code&) override {}
     void flush(std::error_code&) override {}
     void lock(std::error_code&) override {}
+    void setModified(std::int64_t, std::int64_t, std::error_code&) override {}
 
     std::uint64_t bytesRead = 0;
 

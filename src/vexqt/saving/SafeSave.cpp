@@ -4,6 +4,7 @@
 
 #include "vexqt/saving/AtomRows.h"
 #include "vexqt/saving/FileTransaction.h"
+#include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
 
@@ -20,11 +21,32 @@ std::optional<Bytes> writtenRow(const Field& row, const VexQTAtom& atom) {
     }
 }
 
+/// The bytes that a row was read from; none where it was not in the file.
+ByteView bytesOfRow(const Field& row, const AtomAsRead& read) {
+    for (const Survey::Part& part : read.survey.rows)
+        if (part.row == &row) return read.bytes.view().subspan(part.start, part.end - part.start);
+    return {};
+}
+
+/// Whether a row that does not read as it was set has the bytes that stand for what was set: some
+/// codecs read another value than they wrote, -1.0 among them.
+bool hasMeantBytes(const Field& row, const VexQTAtom& meant, const VexQTAtom& readBack) {
+    const auto now = writtenRow(row, meant);
+    if (!now) return false;
+    const ByteView there = bytesOfRow(row, AtomAsRead(readBack));
+    if (meant.origin().size() == 0) return std::ranges::equal(there, *now);
+    const AtomAsRead before(meant);
+    const auto wouldBe = writtenRow(row, *before.record);
+    return std::ranges::equal(
+        there, mergedRow(row, bytesOfRow(row, before), wouldBe.value_or(Bytes()), *now));
+}
+
 bool haveSameRows(const VexQTAtom& meant, const VexQTAtom& readBack) {
     for (const Field& row : meant.atomClass().fields) {
         if (row.holdsChildren || row.encode == nullptr) continue;
         if (row.untouched != nullptr && row.untouched(meant)) continue;
-        if (writtenRow(row, meant) != writtenRow(row, readBack)) return false;
+        if (writtenRow(row, meant) == writtenRow(row, readBack)) continue;
+        if (!hasMeantBytes(row, meant, readBack)) return false;
     }
     return true;
 }
@@ -32,6 +54,16 @@ bool haveSameRows(const VexQTAtom& meant, const VexQTAtom& readBack) {
 /// The path of the first atom that differs, empty for none.
 std::string firstDifference(const VexQTAtom& meant, const VexQTAtom& readBack,
                             const std::string& path) {
+    const bool isRaw = &meant.atomClass() == &VexQTAtom::kClass && meant.unknownBytes();
+    if (isRaw && !meant.declinedClass()) {
+        // Its type may be one that a class decodes; then it is read as that from now on.
+        const ByteView bytes = readBack.origin().view();
+        const ByteView raw = *meant.unknownBytes();
+        const bool isSame = meant.atomTypeString() == readBack.atomTypeString() &&
+                            bytes.size() >= raw.size() &&
+                            std::ranges::equal(bytes.last(raw.size()), raw);
+        return isSame ? std::string() : path;
+    }
     const bool isSameKind = &meant.atomClass() == &readBack.atomClass() &&
                             meant.declinedClass() == readBack.declinedClass() &&
                             meant.atomTypeString() == readBack.atomTypeString();
@@ -49,7 +81,7 @@ std::string firstDifference(const VexQTAtom& meant, const VexQTAtom& readBack,
 
 SaveFailure failureOf(std::string what, std::error_code code = {},
                       SaveFailure::Reason reason = SaveFailure::Reason::System) {
-    if (code) what += ": " + code.message();
+    if (code) what += (what.empty() ? "" : ": ") + code.message();
     return {.code = code, .what = std::move(what), .reason = reason};
 }
 
@@ -193,17 +225,17 @@ std::filesystem::path targetOf(const std::filesystem::path& copy, const VexQTAss
     std::error_code error;
     const auto there = files.identityOf(copy, error);
     if (error) {
-        failure = failureOf(copy.string(), error);
+        failure = failureOf({}, error);
         return {};
     }
     if (!there) return copy;
     if (asset.fileIdentity() && there->isSameFile(*asset.fileIdentity())) {
-        failure = failureOf(copy.string() + " is the movie itself; save it in place");
+        failure = failureOf("is the movie itself; save it in place");
     } else if (!there->isRegular) {
-        failure = failureOf(copy.string() + " is no regular file");
+        failure = failureOf("is no regular file");
     }
     const auto resolved = files.resolve(copy, error);
-    if (error) failure = failureOf(copy.string(), error);
+    if (error) failure = failureOf({}, error);
     return resolved;
 }
 
@@ -239,7 +271,7 @@ SaveResult saveCopy(VexQTAsset& asset, const std::filesystem::path& copy,
     Draft draft(files, target);
     const auto file = draft.copyOf(*asset.assetURL(), options.progress, error);
     if (!file) {
-        result.failure = failureOf("copying to " + target.string(), error);
+        result.failure = failureOf({}, error);
         return result;
     }
     result.plan = SavePlan::of(asset, *file, options.form);
@@ -253,7 +285,7 @@ SaveResult saveCopy(VexQTAsset& asset, const std::filesystem::path& copy,
         result.failure = failureOf("what was written did not read back as it was meant", {},
                                    SaveFailure::Reason::NotAsMeant);
     if (!error && !result.failure) draft.finish(error);
-    if (error) result.failure = failureOf("writing " + target.string(), error);
+    if (error) result.failure = failureOf({}, error);
     result.outcome = result.failure ? SaveResult::Outcome::Failed : SaveResult::Outcome::Saved;
     return result;
 }

@@ -76,7 +76,9 @@ TEST_F(EditCommands, SetChangesValuesOfEveryKind) {
     } cases[] = {
         {"moov.mvhd.timeScale", "0x258", "600"},
         {"moov.mvhd.duration", "4294967295", "4294967295"},
-        {"moov.mvhd.preferredRate", "-1.5", "-1.5"},
+        {"moov.mvhd.preferredRate", "1.5", "1.5"},
+        // Negative fractions are not read as they are written.
+        {"moov.mvhd.preferredRate", "-1.5", "0.5"},
         {"moov.mvhd.creationDateTime", "2024-05-01 12:00:00", "2024-05-01T12:00:00Z"},
         {"moov.mvhd.matrix", "1 0 0 0 1 0 64 32 1", "[1, 0, 0, 0, 1, 0, 64, 32, 1]"},
         {"moov.mvhd.flags2", "7", "7"},
@@ -146,10 +148,14 @@ TEST_F(EditCommands, ACopyReplacesWhatHasItsName) {
     EXPECT_EQ(readFile(copy_).size(), smallMovie().size());
 }
 
-TEST_F(EditCommands, ACopyOfTheFileOnToItselfIsTheFileChanged) {
-    EXPECT_EQ(call({"set", movie_, "moov.mvhd.timeScale=25", "-o", movie_}).status, 0);
-    EXPECT_EQ(get(movie_, "moov.mvhd.timeScale"), "25");
-    EXPECT_EQ(filesInFolder(), 2U);
+TEST_F(EditCommands, ACopyDoesNotReplaceTheMovieUnderAnyName) {
+    std::filesystem::create_hard_link(movie_, path("other.mov"));
+    for (const std::string& name : {movie_, path("other.mov"), path("./clip.mov")}) {
+        const Called called = call({"set", movie_, "moov.mvhd.timeScale=25", "-o", name});
+        EXPECT_EQ(called.status, 1);
+        EXPECT_EQ(called.errors, said(name, "is the movie itself; save it in place"));
+    }
+    EXPECT_EQ(get(movie_, "moov.mvhd.timeScale"), "600");
 }
 
 TEST_F(EditCommands, ACopyThroughALinkLeavesTheLink) {
@@ -392,16 +398,16 @@ TEST_F(EditCommands, InsertAddsAnAtomAtTheEnd) {
 }
 
 TEST_F(EditCommands, InsertAddsAnAtomBehindTheFirstOfAType) {
-    const std::string file = write("atom.bin", atom("abcd"_os));
+    const std::string file = write("atom.bin", atom("abcd"_os, {u32(1)}));
     changed({"insert", movie_, "moov", file, "--after", "trak"}, "moov.abcd.size");
-    EXPECT_EQ(call({"outline", copy_}).output.find("   'abcd' (8)\n   'trak' (180)"),
+    EXPECT_EQ(call({"outline", copy_}).output.find("   'abcd' (12)\n   'trak' (180)"),
               call({"outline", copy_}).output.find("   'abcd'"));
     EXPECT_EQ(changed({"insert", movie_, "moov", file, "--after", "0xA96E616D"},
                       "moov.abcd.offsetInFile"),
               "532");
     // As the library does where there is no such atom.
     changed({"insert", movie_, "moov", file, "--after", "none"}, "moov.abcd.size");
-    EXPECT_TRUE(call({"outline", copy_}).output.ends_with("   'abcd' (8)\n"));
+    EXPECT_TRUE(call({"outline", copy_}).output.ends_with("   'abcd' (12)\n"));
 }
 
 TEST_F(EditCommands, InsertKeepsTheAtomByteForByte) {
