@@ -178,11 +178,11 @@ std::unique_ptr<VexQTAsset> readMovie(const std::string& file, const Arguments& 
 // MARK: Saving
 
 std::string describedFinding(const Finding& finding) {
-    std::string text;
-    if (!finding.path.empty()) text += finding.path + " ";
-    if (finding.range) text += "at " + std::to_string(finding.range->offset) + ": ";
-    if (!finding.path.empty() && !finding.range) text += ": ";
-    return text + finding.message + " [" + std::string(finding.id) + "]";
+    std::string place = finding.path;
+    if (finding.range)
+        place += (place.empty() ? "at " : " at ") + std::to_string(finding.range->offset);
+    return (place.empty() ? "" : place + ": ") + finding.message + " [" + std::string(finding.id) +
+           "]";
 }
 
 namespace {

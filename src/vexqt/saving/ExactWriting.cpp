@@ -82,8 +82,12 @@ void Comparison::addRow(const VexQTAtom& atom, const Field& row, const Survey::P
     const auto first = static_cast<std::size_t>(before - was.begin());
     report("atom-changes", isEdited ? Severity::Note : Severity::Changes, path,
            {offset + first, was.size() - first},
-           what + (isEdited ? " was edited" : " changes by itself") + ", from " +
-               shortHex(was.subspan(first)) + " to " + shortHex(ByteView(written).subspan(first)));
+           what +
+               (isEdited       ? " was edited"
+                : name.empty() ? " change by themselves"
+                               : " changes by itself") +
+               ", from " + shortHex(was.subspan(first)) + " to " +
+               shortHex(ByteView(written).subspan(first)));
 }
 
 /// What lies in the atom's bytes and is neither a row that is written nor a child.
