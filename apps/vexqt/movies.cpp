@@ -11,6 +11,7 @@
 #include "vexqt/platform/files.h"
 #include "vexqt/platform/log.h"
 #include "vexqt/saving/SafeSave.h"
+#include "vexqt/saving/recovery.h"
 
 namespace vexqt::cli {
 
@@ -130,6 +131,14 @@ void listProblems(const std::string& file, const VexQTAsset& asset, Console& con
     }
 }
 
+/// A save that was interrupted is ended before anybody trusts what is there.
+void tellOfJournal(const std::string& file, Console& console) {
+    std::error_code error;
+    if (findJournal(systemFiles(), file, error) && !error)
+        console.complain(file, "a save of this movie goes on, or was interrupted: vexqt recover " +
+                                   file + " puts back what it was before");
+}
+
 /// A strict reading ends without an error at a brand that is not accepted.
 void explainBrand(const std::string& file, const VexQTAsset& asset, Console& console) {
     const auto brand = integerFrom(asset.valueForKeyPath("ftyp.majorBrand"));
@@ -170,6 +179,7 @@ std::unique_ptr<VexQTAsset> readMovie(const std::string& file, const Arguments& 
     auto asset = isReadIntoMemory(file, arguments)
                      ? VexQTAsset::initWithData(readAll(file, console), options)
                      : openMovie(file, options);
+    if (!isReadIntoMemory(file, arguments)) tellOfJournal(file, console);
     listProblems(file, *asset, console);
     if (arguments.strict) explainBrand(file, *asset, console);
     return asset;

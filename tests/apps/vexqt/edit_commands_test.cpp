@@ -310,6 +310,16 @@ TEST_F(EditCommands, RecoverSaysThatThereIsNothingToDo) {
     EXPECT_EQ(call({"recover", movie_}).status, 0);
 }
 
+TEST_F(EditCommands, AJournalBesideAMovieIsToldOfAndRecoveredFrom) {
+    write(".clip.mov.vexqt-journal", text("cut short"));
+    EXPECT_NE(call({"outline", movie_}).errors.find("vexqt recover"), std::string::npos);
+    const Bytes before = readFile(movie_);
+    EXPECT_EQ(call({"set", movie_, "moov.mvhd.timeScale=25", "--in-place"}).status, 1);
+    EXPECT_EQ(call({"recover", movie_}).status, 0);
+    EXPECT_EQ(readFile(movie_), before);
+    EXPECT_EQ(call({"outline", movie_}).errors, "");
+}
+
 TEST_F(EditCommands, SetKeyAddsAndChangesAndRemoveKeyRemoves) {
     ASSERT_EQ(call({"set-key", movie_, "moov.meta", "com.example.title=One", "com.example.reel=A3",
                     "--in-place"})
