@@ -17,11 +17,9 @@ namespace vexqt::cli {
 namespace {
 
 /// The classes' own way of saving writes nothing but the movie atom.
-void requireSaved(const Arguments& arguments, const VexQTAsset& asset, const VexQTAtom& atom,
+void requireSaved(const Arguments& arguments, const VexQTAsset& asset, const VexQTAtom* root,
                   std::string_view path) {
     if (!arguments.exact) return;
-    const VexQTAtom* root = &atom;
-    while (root->parent() != nullptr) root = root->parent();
     const VexQTAtom* written = nullptr;
     for (const auto& candidate : asset.rootAtoms())
         if (candidate->atomType() == "moov"_os) written = candidate.get();
@@ -131,7 +129,7 @@ ExitStatus set(const Arguments& arguments, Console& console) {
                              .place = AtomPath(key).propertyIn(asset.rootAtoms()),
                              .value = {},
                              .pictureFile = {}};
-            requireSaved(arguments, asset, *change.place.atom, key);
+            requireSaved(arguments, asset, change.place.root, key);
             assigning(key, [&] {
                 const Field& field = change.place.field();
                 if (!change.place.canBeSet())
@@ -165,11 +163,11 @@ ExitStatus set(const Arguments& arguments, Console& console) {
 
 namespace {
 
-/// Out of its parent, of an entry that it extends, or from the top of the file.
-std::unique_ptr<VexQTAtom> takenOut(VexQTAsset& asset, const VexQTAtom* atom) {
-    if (atom->parent() != nullptr) return atom->parent()->removeChild(atom);
+/// Out of what holds it, or from the top of the file.
+std::unique_ptr<VexQTAtom> takenOut(VexQTAsset& asset, const AtomPlace& place) {
+    if (place.holder != nullptr) return place.holder->removeChild(place.atom);
     auto& roots = asset.rootAtoms();
-    const auto root = std::ranges::find(roots, atom, &std::unique_ptr<VexQTAtom>::get);
+    const auto root = std::ranges::find(roots, place.atom, &std::unique_ptr<VexQTAtom>::get);
     if (root == roots.end()) return nullptr;
     std::unique_ptr<VexQTAtom> removed = std::move(*root);
     roots.erase(root);
@@ -180,17 +178,17 @@ std::unique_ptr<VexQTAtom> takenOut(VexQTAsset& asset, const VexQTAtom* atom) {
 
 ExitStatus remove(const Arguments& arguments, Console& console) {
     return edit(arguments, console, [&](VexQTAsset& asset) {
-        std::vector<VexQTAtom*> atoms;
+        std::vector<AtomPlace> places;
         for (const std::string& path : arguments.operands) {
-            VexQTAtom& atom = AtomPath(path).atomIn(asset.rootAtoms());
-            requireSaved(arguments, asset, atom, path);
-            if (&atom == asset.moovAtom())
+            const AtomPlace place = AtomPath(path).placeIn(asset.rootAtoms());
+            requireSaved(arguments, asset, place.root, path);
+            if (place.atom == asset.moovAtom())
                 throw Failure(path + ": the movie atom itself is not removed, only what is in it");
-            atoms.push_back(&atom);
+            places.push_back(place);
         }
         // They are kept until all are out, as one may lie in another or be named twice.
         std::vector<std::unique_ptr<VexQTAtom>> removed;
-        for (VexQTAtom* atom : atoms) removed.push_back(takenOut(asset, atom));
+        for (const AtomPlace& place : places) removed.push_back(takenOut(asset, place));
     });
 }
 
@@ -228,8 +226,9 @@ ExitStatus insert(const Arguments& arguments, Console& console) {
     const std::string& path = arguments.operands[0];
     const std::string& atomFile = arguments.operands[1];
     return edit(arguments, console, [&](VexQTAsset& asset) {
-        VexQTAtom& container = AtomPath(path).atomIn(asset.rootAtoms());
-        requireSaved(arguments, asset, container, path);
+        const AtomPlace place = AtomPath(path).placeIn(asset.rootAtoms());
+        VexQTAtom& container = *place.atom;
+        requireSaved(arguments, asset, place.root, path);
         if (!holdsChildren(container)) throw Failure(path + ": this atom holds no other atoms");
         auto atom = atomFrom(atomFile, container, inputs);
         if (!arguments.after) return container.addChild(std::move(atom));
@@ -262,7 +261,7 @@ std::optional<std::size_t> countFrom(const std::vector<std::string>& operands) {
 PropertyPlace tableNamed(const Arguments& arguments, const VexQTAsset& asset, AtomPath::Rows rows) {
     const std::string& key = arguments.operands.front();
     const PropertyPlace place = AtomPath(key).propertyIn(asset.rootAtoms(), rows);
-    requireSaved(arguments, asset, *place.atom, key);
+    requireSaved(arguments, asset, place.root, key);
     const bool isCell = place.column && !place.field().name.empty();
     if (place.property->list == nullptr || isCell)
         throw Failure(key + ": this is no table and no row of one", ExitStatus::WrongUsage);
@@ -362,7 +361,7 @@ ExitStatus setKey(const Arguments& arguments, Console& console) {
     const std::string& path = arguments.operands.front();
     return edit(arguments, console, [&](VexQTAsset& asset) {
         VexQTmetaAtom& metadata = metadataAt(path, asset);
-        requireSaved(arguments, asset, metadata, path);
+        requireSaved(arguments, asset, AtomPath(path).placeIn(asset.rootAtoms()).root, path);
         for (const std::string& text : std::span(arguments.operands).subspan(1)) {
             const Assignment assignment(text);
             const VexQTilstAtom* items = itemsOf(metadata);
@@ -388,7 +387,7 @@ ExitStatus removeKey(const Arguments& arguments, Console& console) {
     const std::string& path = arguments.operands.front();
     return edit(arguments, console, [&](VexQTAsset& asset) {
         VexQTmetaAtom& metadata = metadataAt(path, asset);
-        requireSaved(arguments, asset, metadata, path);
+        requireSaved(arguments, asset, AtomPath(path).placeIn(asset.rootAtoms()).root, path);
         const VexQTilstAtom* items = itemsOf(metadata);
         VexQTkeysAtom* keys = items != nullptr ? keysOfItems(*items) : nullptr;
         if (keys == nullptr) throw Failure(path + ": the items here have no keys");

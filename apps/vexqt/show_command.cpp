@@ -72,11 +72,11 @@ public:
         showTree(asset_.rootAtoms(), Depth::All);
     }
 
-    void showAtom(const VexQTAtom& atom) {
+    void showAtom(const VexQTAtom& atom, const std::string& path) {
         labelColumns_ = kFewestLabelColumns;
         for (const Field* property : atom.properties())
             labelColumns_ = std::max(labelColumns_, property->name.size());
-        showHeading(atom);
+        showHeading(atom, path);
         showProperties(atom);
         if (const auto bytes = atom.unknownBytes()) showBytes("raw data", *bytes);
         if (atom.children().empty()) return;
@@ -85,11 +85,12 @@ public:
         showTree(atom.children(), Depth::One);
     }
 
-    void showAtomAndAllBelow(const VexQTAtom& atom) {
-        showAtom(atom);
-        for (const auto& child : atom.children()) {
+    void showAtomAndAllBelow(const VexQTAtom& atom, const std::string& path) {
+        showAtom(atom, path);
+        const std::vector<std::string> segments = AtomPath::segmentsOf(atom.children());
+        for (std::size_t i = 0; i < segments.size(); ++i) {
             line();
-            showAtomAndAllBelow(*child);
+            showAtomAndAllBelow(*atom.children()[i], path + '.' + segments[i]);
         }
     }
 
@@ -132,10 +133,10 @@ private:
                atom.atomClass().fields.end();
     }
 
-    void showHeading(const VexQTAtom& atom) {
+    void showHeading(const VexQTAtom& atom, const std::string& path) {
         line(bold(printable(atom.atomName())) + "  " +
              typeColored("'" + printable(atom.atomTypeString()) + "'"));
-        label("path", AtomPath::of(atom, asset_.rootAtoms()));
+        label("path", path);
         if (const auto key = AtomPath::keyOf(atom)) label("key", printable(*key));
         label("class", atom.atomClass().className);
         if (const auto declined = atom.declinedClass())
@@ -244,7 +245,7 @@ private:
                              asciiRepresentation(part)));
         }
         if (bytes.size() > most)
-            line("    " + dim(fmt::format("… {} (--all shows them)",
+            line("    " + dim(fmt::format("… {}, shown with --all",
                                           counted(bytes.size() - most, "more byte"))));
     }
 
@@ -298,7 +299,7 @@ private:
         forEachShown([&](std::size_t row) {
             if (!showsAll && row == lastRow)
                 line("    " +
-                     dim(fmt::format("{}  {} (--all shows them)", rightAligned("…", rowWidth),
+                     dim(fmt::format("{}  {}, shown with --all", rightAligned("…", rowWidth),
                                      counted(lastRow - firstRows, "more row"))));
             std::string text = dim(rightAligned(std::to_string(row), rowWidth));
             for (std::size_t i = 0; i < columns.size(); ++i)
@@ -323,13 +324,16 @@ ExitStatus show(const Arguments& arguments, Console& console) {
         Page page(*asset, arguments, console);
         if (path) {
             const VexQTAtom& atom = path->atomIn(asset->rootAtoms());
-            return arguments.recursive ? page.showAtomAndAllBelow(atom) : page.showAtom(atom);
+            const std::string canonical = AtomPath::of(atom, asset->rootAtoms());
+            return arguments.recursive ? page.showAtomAndAllBelow(atom, canonical)
+                                       : page.showAtom(atom, canonical);
         }
         page.showMovie(arguments.file());
         if (!arguments.recursive) return;
-        for (const auto& root : asset->rootAtoms()) {
+        const std::vector<std::string> segments = AtomPath::segmentsOf(asset->rootAtoms());
+        for (std::size_t i = 0; i < segments.size(); ++i) {
             console.out.write("\n");
-            page.showAtomAndAllBelow(*root);
+            page.showAtomAndAllBelow(*asset->rootAtoms()[i], segments[i]);
         }
     });
 }

@@ -235,6 +235,32 @@ TEST_F(AtomPaths, ThePathOfAnAtomLeadsBackToIt) {
     for (const std::string_view path : paths) EXPECT_EQ(AtomPath::of(atom(path), roots()), path);
 }
 
+TEST(AtomPath, AnAtomThatDoesNotKnowItsParentHasAPath) {
+    AtomPath::Atoms roots;
+    roots.push_back(std::make_unique<VexQTAtom>("root"_os, 0, nullptr, 0));
+    roots[0]->addChild(std::make_unique<VexQTAtom>("leaf"_os, 0, nullptr, 0));
+    roots[0]->addChild(std::make_unique<VexQTAtom>("leaf"_os, 0, nullptr, 0));
+    const AtomPlace place = AtomPath("root.leaf[1]").placeIn(roots);
+    EXPECT_EQ(AtomPath::of(*place.atom, roots), "root.leaf[1]");
+    EXPECT_EQ(place.holder, roots[0].get());
+    EXPECT_EQ(place.root, roots[0].get());
+}
+
+TEST_F(AtomPaths, APlaceTellsTheHolderAndTheRoot) {
+    const AtomPlace header = AtomPath("moov.trak[1].tkhd").placeIn(roots());
+    EXPECT_EQ(header.holder, &atom("moov.trak[1]"));
+    EXPECT_EQ(header.root, &atom("moov"));
+    const AtomPlace movie = AtomPath("moov").placeIn(roots());
+    EXPECT_EQ(movie.holder, nullptr);
+    EXPECT_EQ(movie.root, movie.atom);
+    EXPECT_EQ(place("moov.mvhd.timeScale").root, movie.atom);
+}
+
+TEST_F(AtomPaths, SegmentsTellSiblingsApart) {
+    EXPECT_EQ(AtomPath::segmentsOf(atom("moov").children()),
+              (std::vector<std::string>{"mvhd", "trak", "trak[1]", "0x612E625D", "0xA96E616D"}));
+}
+
 TEST_F(AtomPaths, AnAtomElsewhereHasNoPath) { EXPECT_EQ(AtomPath::of(VexQTAtom(), roots()), ""); }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "vexqt/asset/AtomPath.h"
 
 #include <charconv>
+#include <map>
 
 #include "vexqt/atoms/metadata/keyed_items.h"
 
@@ -211,9 +212,9 @@ public:
     Walk(const AtomPath& path, const Atoms& roots, Rows rows = Rows::There)
         : segments_(path.segments_), roots_(roots), rows_(rows) {}
 
-    VexQTAtom& toAtom() {
+    AtomPlace toAtom() {
         while (next_ < segments_.size()) step();
-        return *atom_;
+        return {.atom = atom_, .holder = holder_, .root = root_};
     }
 
     PropertyPlace toProperty() {
@@ -227,7 +228,7 @@ public:
 private:
     const Segment& segment() const { return segments_[next_]; }
     const Atoms& below() const { return atom_ != nullptr ? atom_->children() : roots_; }
-    std::string holder() const { return atom_ != nullptr ? walked_ : "the movie"; }
+    std::string where() const { return walked_.empty() ? "the movie" : walked_; }
 
     /// The path up to and with the segment that comes next.
     std::string path() const {
@@ -258,30 +259,57 @@ private:
     void step() {
         const std::vector<VexQTAtom*> found = named();
         if (found.empty()) namesNoAtom();
-        atom_ = segment().selector ? &selected(found) : found.front();
+        holder_ = atom_;
+        atom_ = found.front();
+        if (segment().selector) select(found);
+        if (holder_ == nullptr) root_ = atom_;
         walked_ = path();
         ++next_;
     }
 
-    VexQTAtom& selected(const std::vector<VexQTAtom*>& found) const {
+    /// Goes to the one that the selector means; an item of keyed metadata lies one step deeper.
+    void select(const std::vector<VexQTAtom*>& found) {
         const std::string& selector = *segment().selector;
-        const std::string name = inQuotes(segment().name);
         if (isDecimal(selector)) {
-            const auto ordinal = ordinalFrom(selector);
-            if (ordinal && *ordinal < found.size()) return *found[*ordinal];
-            namesNothing(path(), howMany(found.size()) + name + " in " + holder() +
-                                     ", and the first is [0]");
+            atom_ = withOrdinal(found, selector);
+        } else if (auto* items = dynamic_cast<VexQTilstAtom*>(found.front())) {
+            atom_ = withKey(*items, selector);
+            if (holder_ == nullptr) root_ = items;
+            holder_ = items;
+        } else {
+            atom_ = withMediaType(found, selector);
         }
-        if (const auto* items = dynamic_cast<const VexQTilstAtom*>(found.front()))
-            return itemSelected(*items);
+    }
+
+    VexQTAtom* withOrdinal(const std::vector<VexQTAtom*>& found,
+                           const std::string& selector) const {
+        const auto ordinal = ordinalFrom(selector);
+        if (ordinal && *ordinal < found.size()) return found[*ordinal];
+        namesNothing(path(), howMany(found.size()) + inQuotes(segment().name) + " in " + where() +
+                                 ", and the first is [0]");
+    }
+
+    VexQTAtom* withKey(const VexQTilstAtom& items, const std::string& selector) const {
+        if (VexQTAtom* item = itemWithKey(items, selector)) return item;
+        std::vector<std::string> keys;
+        for (const auto& item : items.children())
+            if (auto key = keyOf(*item)) keys.push_back(std::move(*key));
+        namesNothing(path(), keys.empty() ? "these items have no keys, only codes"
+                                          : "no such key, only " + listed(keys) +
+                                                didYouMean(selector, keys));
+    }
+
+    VexQTAtom* withMediaType(const std::vector<VexQTAtom*>& found,
+                             const std::string& selector) const {
         const auto wanted = mediaSelectorFrom(selector);
         std::vector<std::string> types;
         std::size_t ofWantedType = 0;
         for (VexQTAtom* atom : found) {
             const auto type = mediaTypeOf(*atom);
-            if (wanted && type == wanted->type && ofWantedType++ == wanted->ordinal) return *atom;
+            if (wanted && type == wanted->type && ofWantedType++ == wanted->ordinal) return atom;
             if (type) types.push_back(pathSegment(*type));
         }
+        const std::string name = inQuotes(segment().name);
         if (types.empty()) namesNothing(path(), name + " has no media types to choose from");
         if (ofWantedType > 0)
             namesNothing(path(),
@@ -290,26 +318,16 @@ private:
                      "no such media type, only " + listed(types) + didYouMean(selector, types));
     }
 
-    VexQTAtom& itemSelected(const VexQTilstAtom& items) const {
-        if (VexQTAtom* item = itemWithKey(items, *segment().selector)) return *item;
-        std::vector<std::string> keys;
-        for (const auto& item : items.children())
-            if (auto key = keyOf(*item)) keys.push_back(std::move(*key));
-        namesNothing(path(), keys.empty() ? "these items have no keys, only codes"
-                                          : "no such key, only " + listed(keys) +
-                                                didYouMean(*segment().selector, keys));
-    }
-
     [[noreturn]] void namesNoAtom() const {
         const std::vector<std::string> types = typesOf(below());
         if (atom_ != nullptr && types.empty()) {
             const std::vector<std::string> properties = namesOf(atom_->properties());
             namesNothing(path(),
-                         holder() + " has no atoms" +
+                         where() + " has no atoms" +
                              (properties.empty() ? std::string() : ", only " + listed(properties)) +
                              didYouMean(segment().name, properties));
         }
-        namesNothing(path(), "no " + inQuotes(segment().name) + " in " + holder() + ", only " +
+        namesNothing(path(), "no " + inQuotes(segment().name) + " in " + where() + ", only " +
                                  listed(types) + didYouMean(segment().name, types));
     }
 
@@ -326,6 +344,7 @@ private:
     PropertyPlace property() {
         PropertyPlace place;
         place.atom = atom_;
+        place.root = root_;
         place.property = atom_->propertyNamed(segment().name);
         if (place.property == nullptr) namesNoProperty();
         const ListAccess* list = place.property->list;
@@ -372,7 +391,7 @@ private:
                              (names.empty() ? std::string() : "; it has " + listed(names)));
         }
         std::vector<std::string> names = namesOf(atom_->properties());
-        std::string why = holder() + " has no property " + inQuotes(segment().name);
+        std::string why = where() + " has no property " + inQuotes(segment().name);
         if (!names.empty()) why += ", only " + listed(names);
         for (const std::string& type : typesOf(below())) names.push_back(type);
         for (const std::string& name : namesOf(VexQTAtom::commonProperties()))
@@ -385,10 +404,12 @@ private:
     const Rows rows_;
     std::size_t next_ = 0;  ///< The first segment that was not walked yet.
     VexQTAtom* atom_ = nullptr;
+    VexQTAtom* holder_ = nullptr;
+    VexQTAtom* root_ = nullptr;
     std::string walked_;
 };
 
-VexQTAtom& AtomPath::atomIn(const Atoms& roots) const { return Walk(*this, roots).toAtom(); }
+AtomPlace AtomPath::placeIn(const Atoms& roots) const { return Walk(*this, roots).toAtom(); }
 
 PropertyPlace AtomPath::propertyIn(const Atoms& roots, Rows rows) const {
     return Walk(*this, roots, rows).toProperty();
@@ -396,22 +417,27 @@ PropertyPlace AtomPath::propertyIn(const Atoms& roots, Rows rows) const {
 
 // MARK: The way back
 
-std::string AtomPath::of(const VexQTAtom& atom, const Atoms& roots) {
-    std::string path;
-    for (const VexQTAtom* at = &atom; at != nullptr; at = at->parent()) {
-        const Atoms& siblings = at->parent() != nullptr ? at->parent()->children() : roots;
-        std::size_t ordinal = 0;
-        const auto found = std::ranges::find_if(siblings, [&](const auto& sibling) {
-            if (sibling.get() == at) return true;
-            if (sibling->atomType() == at->atomType()) ++ordinal;
-            return false;
-        });
-        if (found == siblings.end()) return {};
-        std::string segment = pathSegment(at->atomType());
-        if (ordinal > 0) segment += '[' + std::to_string(ordinal) + ']';
-        path = path.empty() ? segment : segment + '.' + path;
+std::vector<std::string> AtomPath::segmentsOf(const Atoms& siblings) {
+    std::map<OSType, std::size_t> ordinals;
+    std::vector<std::string> segments;
+    for (const auto& atom : siblings) {
+        const std::size_t ordinal = ordinals[atom->atomType()]++;
+        segments.push_back(pathSegment(atom->atomType()));
+        if (ordinal > 0) segments.back() += '[' + std::to_string(ordinal) + ']';
     }
-    return path;
+    return segments;
+}
+
+std::string AtomPath::of(const VexQTAtom& atom, const Atoms& roots) {
+    const auto pathBelow = [&](const Atoms& atoms, const auto& self) -> std::string {
+        for (std::size_t i = 0; i < atoms.size(); ++i) {
+            if (atoms[i].get() == &atom) return segmentsOf(atoms)[i];
+            const std::string below = self(atoms[i]->children(), self);
+            if (!below.empty()) return segmentsOf(atoms)[i] + '.' + below;
+        }
+        return {};
+    };
+    return pathBelow(roots, pathBelow);
 }
 
 std::optional<std::string> AtomPath::keyOf(const VexQTAtom& atom) {

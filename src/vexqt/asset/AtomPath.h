@@ -27,9 +27,17 @@ private:
     Reason reason_;
 };
 
+/// An atom and what it is in. Atoms do not all know their parent, so only the walk down tells.
+struct AtomPlace {
+    VexQTAtom* atom = nullptr;
+    VexQTAtom* holder = nullptr;  ///< Null for a root atom.
+    VexQTAtom* root = nullptr;
+};
+
 /// A property of an atom or, where that is a list, one of its rows or cells.
 struct PropertyPlace {
     VexQTAtom* atom = nullptr;
+    VexQTAtom* root = nullptr;
     const Field* property = nullptr;
     std::optional<std::size_t> row;     ///< Only of a list.
     std::optional<std::size_t> column;  ///< Of a row; absent where the whole row is meant.
@@ -54,7 +62,8 @@ public:
     explicit AtomPath(std::string_view text);
 
     /// \throws PathError where the path names no atom below these roots.
-    VexQTAtom& atomIn(const Atoms& roots) const;
+    AtomPlace placeIn(const Atoms& roots) const;
+    VexQTAtom& atomIn(const Atoms& roots) const { return *placeIn(roots).atom; }
     /// Which rows a path may name: those that are there, or also the one behind the last, where
     /// rows are inserted.
     enum class Rows { There, ThereAndEnd };
@@ -65,6 +74,8 @@ public:
 
     /// The path of an atom, by ordinals alone; empty for one that is not below these roots.
     static std::string of(const VexQTAtom& atom, const Atoms& roots);
+    /// How each atom is named among its siblings: "mvhd", "trak", "trak[1]".
+    static std::vector<std::string> segmentsOf(const Atoms& siblings);
     /// The text of the key that an item of keyed metadata belongs to; absent for everything else.
     static std::optional<std::string> keyOf(const VexQTAtom& atom);
 
