@@ -271,5 +271,10 @@ TEST(MergedRow, IsWhatIsWrittenNowWhereItCannotBeCutIntoValues) {
     EXPECT_EQ(mergedRow(row, text("AAB"), text("aabb"), text("aaXX")), text("aaXX"));
 }
 
+TEST(MergedRow, KeepsWhatLiesBehindAValueThatComesBackShorter) {
+    EXPECT_EQ(mergedRow(Field(), text("abc--"), text("abc"), text("xy")), text("xy--"));
+    EXPECT_EQ(mergedRow(Field(), text("ABC--"), text("abc"), text("xy")), text("xy"));
+}
+
 }  // namespace
 }  // namespace vexqt

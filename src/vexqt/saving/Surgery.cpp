@@ -52,8 +52,15 @@ void appendMerged(Bytes& out, ByteView read, ByteView wouldBe, ByteView now,
 Bytes mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now) {
     const std::vector<std::size_t> widths = repeatingWidths(row);
     // Only where a row comes back in the length that it was read in is it known which of its bytes
-    // are which value's.
-    if (widths.empty() || read.size() != wouldBe.size()) return {now.begin(), now.end()};
+    // are which value's. What lies behind a value that comes back shorter, such as padding or what
+    // follows a text's zero byte, stays behind the new one.
+    if (widths.empty() || read.size() != wouldBe.size()) {
+        Bytes merged(now.begin(), now.end());
+        const bool isLonger =
+            read.size() > wouldBe.size() && std::ranges::equal(read.first(wouldBe.size()), wouldBe);
+        if (isLonger) append(merged, read.subspan(wouldBe.size()));
+        return merged;
+    }
 
     std::size_t width = 0;
     for (const std::size_t each : widths) width += each;
