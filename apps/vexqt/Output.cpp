@@ -11,6 +11,7 @@
 namespace vexqt::cli {
 
 void Output::write(std::string_view bytes) {
+    if (bytes.empty()) return;  // An empty view may have no address.
     if (bytes.size() > kCapacity - used_) {
         flush();
         if (bytes.size() > kCapacity) return send(bytes);
