@@ -211,14 +211,14 @@ TEST(Atom, WritingDoesNotTouchTheSizesAbove) {
 }
 
 TEST(Atom, ThatCannotBeWrittenSaysWhereItIs) {
-    const Bytes stubborn = testing::atom("stub"_os, {u8(0)});
+    const Bytes stubborn = testing::atom("firm"_os, {u8(0)});
     const auto root = Nest::initWithData(
         testing::atom("nest"_os, {testing::atom("nest"_os, {u8(0)}),
                                   testing::atom("nest"_os, {testing::atom("free"_os), stubborn})}),
         nullptr, 1000);
     EXPECT_EQ(errorOf<EncodingError>([&] { root->atomData(); }),
-              "nest.nest[1].stub at 1033: it has no form");
-    EXPECT_EQ(errorOf<EncodingError>([&] { Stubborn().atomData(); }), "stub at 0: it has no form");
+              "nest.nest[1].firm at 1033: it has no form");
+    EXPECT_EQ(errorOf<EncodingError>([&] { Stubborn().atomData(); }), "firm at 0: it has no form");
 }
 
 TEST(Atom, VerifyingHasNoEffect) {

@@ -59,7 +59,7 @@ struct Stubborn::Layout {
     static constexpr Field fields[] = {
         {.encode = [](const Record&, ByteWriter&) { throw EncodingError("it has no form"); }}};
 };
-inline constinit const AtomClass Stubborn::kClass = {.type = "stub"_os,
+inline constinit const AtomClass Stubborn::kClass = {.type = "firm"_os,
                                                      .className = "Stubborn",
                                                      .atomName = "Stubborn",
                                                      .fields = Layout::fields,
