@@ -1,7 +1,7 @@
 // Movies from files that nobody vouches for, read by both readings and written by both writings.
 //
 // A strict reading ends with a tree or an Error and nothing else; a tolerant one with a tree. The
-// two trees are the same where the strict one succeeds. A tree that nobody edited is written
+// two trees are the same as far as the strict one goes. A tree that nobody edited is written
 // surgically with the bytes that it was read from, and exactly the same bytes twice.
 #include <cstdlib>
 
@@ -51,7 +51,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string outline = outlineOf(*tolerant);
     try {
         const auto strict = VexQTAsset::initWithData(bytes);
-        if (tolerant->problems().empty()) require(outlineOf(*strict) == outline);
+        // A size of 0 is nothing to the strict reading, and all the rest to the tolerant one.
+        const bool hasEmptyRoot = std::ranges::any_of(
+            strict->rootAtoms(), [](const auto& root) { return root->atomSize() == 0; });
+        if (!hasEmptyRoot) require(outline.starts_with(outlineOf(*strict)));
         const auto once = exactBytes(*strict);
         if (once) require(exactBytes(*strict) == once);
     } catch (const Error&) {

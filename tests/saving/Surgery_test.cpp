@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "testing/bytes.h"
+#include "vexqt/asset/VexQTAsset.h"
 #include "vexqt/atoms/headers/VexQTmvhdAtom.h"
 #include "vexqt/atoms/headers/VexQTtkhdAtom.h"
 #include "vexqt/atoms/sampletables/VexQTelstAtom.h"
@@ -254,6 +255,17 @@ TEST(SurgeryOfChildren, DeclinedAtomsKeepTheirBytes) {
         VexQTAtom::make(VexQTmoovAtom::kClass, SharedBytes::copyOf(bytes), nullptr, 0, context);
     ASSERT_EQ(problems.size(), 2u);
     EXPECT_EQ(surgical(*movie), bytes);
+}
+
+TEST(SurgeryOfChildren, ADeclinedRootWithAnExtendedSizeKeepsItsBytes) {
+    // From the eighth byte on, where root atoms are read from, it begins like one more extended
+    // header, which is cut short.
+    const Bytes bytes = extendedAtomClaiming(0x0000000100356F73, "abcd"_os, {text("i!Yxy")});
+    const auto asset = VexQTAsset::initWithData(bytes, {.tolerant = true});
+    ASSERT_EQ(asset->rootAtoms().size(), 1u);
+    VexQTAtom& root = *asset->rootAtoms()[0];
+    ASSERT_EQ(root.declinedClass(), "VexQTAtom");
+    EXPECT_EQ(surgical(root), Bytes(bytes.begin() + 8, bytes.end()));
 }
 
 // MARK: Rows

@@ -162,6 +162,7 @@ std::unique_ptr<VexQTAtom> VexQTAtom::makeDeclined(const AtomClass& declinedBy, 
     atom->origin_ = bytes;
     atom->unknownFrom_ = std::min<std::size_t>(8, bytes.size());
     atom->extras().declinedBy = &declinedBy;
+    atom->extras().declinedType = type;
     atom->extras().declinedReason = std::move(reason);
     return atom;
 }
@@ -271,7 +272,9 @@ void VexQTAtom::appendTo(ByteWriter& out) {
     const std::size_t start = out.length();
     if (declinedClass()) {
         out.append(origin_.view());
-        if (origin_.size() >= 8) out.patchU32(start + 4, type_);
+        // The bytes of a root atom with an extended size have no type in them.
+        const bool isTypeEdited = type_ != extras_->declinedType;
+        if (isTypeEdited && origin_.size() >= 8) out.patchU32(start + 4, type_);
         return;
     }
     if (class_.typeRule == TypeRule::Restored) type_ = class_.type;
@@ -457,8 +460,9 @@ std::vector<const Field*> VexQTAtom::properties() const {
     }
     for (const Field& field : class_.fields)
         if (!field.name.empty()) listed.push_back(&field);
-    std::ranges::stable_partition(
-        listed, [](const Field* field) { return field->kind != ValueKind::Transformation; });
+    std::stable_partition(listed.begin(), listed.end(), [](const Field* field) {
+        return field->kind != ValueKind::Transformation;
+    });
     return listed;
 }
 

@@ -204,6 +204,7 @@ private:
         Matrix matrix{};
         std::optional<Extent> extent;
         const AtomClass* declinedBy = nullptr;
+        OSType declinedType = 0;  ///< The type that the atom was read with.
         std::string declinedReason;
     };
 

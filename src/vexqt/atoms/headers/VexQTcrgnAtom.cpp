@@ -1,6 +1,5 @@
 #include "vexqt/atoms/headers/VexQTcrgnAtom.h"
 
-#include <ranges>
 
 #include "vexqt/core/codecs.h"
 
@@ -13,8 +12,9 @@ template <std::unsigned_integral T>
 struct ReadReversed : Unsigned<T> {
     static T read(ByteReader& in) {
         T value = 0;
-        for (const std::uint8_t byte : std::views::reverse(in.take(sizeof(T))))
-            value = static_cast<T>(value << 8 | byte);
+        const ByteView bytes = in.take(sizeof(T));
+        for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte)
+            value = static_cast<T>(value << 8 | *byte);
         return value;
     }
 };
