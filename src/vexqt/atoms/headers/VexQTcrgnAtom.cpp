@@ -1,6 +1,5 @@
 #include "vexqt/atoms/headers/VexQTcrgnAtom.h"
 
-
 #include "vexqt/core/codecs.h"
 
 namespace vexqt {
