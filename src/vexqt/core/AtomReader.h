@@ -1,10 +1,9 @@
 #pragma once
 
+#include "vexqt/core/ReadContext.h"
 #include "vexqt/core/bytes.h"
 
 namespace vexqt {
-
-class ReadContext;
 
 /// Reads one atom. What it hands on to children and tables are parts of the atom's own bytes.
 class AtomReader : public ByteReader {
@@ -19,6 +18,13 @@ public:
     SharedBytes restShared() { return remaining() == 0 ? SharedBytes() : takeShared(remaining()); }
 
     ReadContext& context() const { return context_; }
+
+    /// Tells a survey that an entry of a list was read from there to here, where entries have
+    /// lengths of their own.
+    void noteEntryFrom(std::size_t start) const {
+        if (Survey* survey = context_.survey())
+            survey->entries.push_back({.start = start, .end = position()});
+    }
 
 private:
     const SharedBytes& bytes_;

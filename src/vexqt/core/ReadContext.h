@@ -39,6 +39,9 @@ struct Survey {
     };
     std::vector<Part> rows;      ///< In file order.
     std::vector<Part> children;  ///< In file order; none for a child that its class drops.
+    /// Of the list whose entries have lengths of their own, if the class has one; in file order,
+    /// none for an entry that its class drops.
+    std::vector<Part> entries;
 };
 
 /// Atoms nested deeper are a NestingError: no real movie comes near.

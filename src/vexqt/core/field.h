@@ -59,6 +59,9 @@ struct ListAccess {
     /// decoding the list. Null where there is no such column.
     void (*integers)(const Record& owner, std::size_t column, std::size_t firstRow,
                      std::span<std::uint64_t> into) = nullptr;
+    /// One entry as its class writes it, of a list whose entries have lengths of their own. Null
+    /// for every other list.
+    Bytes (*entryBytes)(const Record& owner, std::size_t row) = nullptr;
 };
 
 struct Field {

@@ -1,6 +1,8 @@
 // List properties that are plain vectors.
 #pragma once
 
+#include <functional>
+
 #include "vexqt/core/field.h"
 
 namespace vexqt {
@@ -27,8 +29,9 @@ struct VectorMember {
     }
 };
 
-/// A list of entries, each with the columns that its class lists.
-template <auto Member, const auto& Columns>
+/// A list of entries, each with the columns that its class lists. EntryBytes is how an entry of a
+/// length of its own is written.
+template <auto Member, const auto& Columns, auto EntryBytes = nullptr>
 struct EntryList : VectorMember<Member> {
     using List = VectorMember<Member>;
     static Value cell(const Record& owner, std::size_t row, std::size_t column) {
@@ -38,12 +41,23 @@ struct EntryList : VectorMember<Member> {
         if (Columns[column].set == nullptr) throwWrongKind();
         Columns[column].set(List::list(owner)[row], value);
     }
+    using EntryWriter = Bytes (*)(const Record& owner, std::size_t row);
+    static constexpr EntryWriter entryBytes() {
+        if constexpr (std::is_null_pointer_v<decltype(EntryBytes)>) {
+            return nullptr;
+        } else {
+            return [](const Record& owner, std::size_t row) -> Bytes {
+                return std::invoke(EntryBytes, List::list(owner)[row]);
+            };
+        }
+    }
     static constexpr ListAccess access = {.columns = Columns,
                                           .size = List::size,
                                           .cell = cell,
                                           .setCell = setCell,
                                           .insertRows = List::insertRows,
-                                          .removeRows = List::removeRows};
+                                          .removeRows = List::removeRows,
+                                          .entryBytes = entryBytes()};
 };
 
 /// A list of plain integers.
@@ -75,9 +89,11 @@ struct NumberList : VectorMember<Member> {
 };
 
 /// A list property that an irregular row of its class reads and writes.
-template <auto Member, const auto& Columns>
+template <auto Member, const auto& Columns, auto EntryBytes = nullptr>
 constexpr Field entryList(std::string_view name) {
-    return {.name = name, .kind = ValueKind::List, .list = &EntryList<Member, Columns>::access};
+    return {.name = name,
+            .kind = ValueKind::List,
+            .list = &EntryList<Member, Columns, EntryBytes>::access};
 }
 template <auto Member, Display display = Display::Plain>
 constexpr Field numberList(std::string_view name) {

@@ -42,7 +42,7 @@ struct VexQTkeysAtom::Layout {
         versionKept,
         flagsKept,
         irregular<&Atom::decodeKeys, &Atom::encodeKeys>(),
-        entryList<&Atom::keys_, VexQTKeyEntry::Layout::columns>("keys"),
+        entryList<&Atom::keys_, VexQTKeyEntry::Layout::columns, &VexQTKeyEntry::atomData>("keys"),
     };
 };
 
@@ -57,6 +57,7 @@ void VexQTkeysAtom::decodeKeys(AtomReader& in) {
                                  std::to_string(kEntryHeader) + " wanted at least",
                              start, size, in.length());
         keys_.emplace_back(index, nameSpace, textFromASCII(upToZero(in.take(size - kEntryHeader))));
+        in.noteEntryFrom(start);
     }
 }
 

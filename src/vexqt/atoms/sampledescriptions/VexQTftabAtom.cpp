@@ -60,10 +60,11 @@ std::unique_ptr<VexQTFontTableEntry> VexQTFontTableEntry::initWithData(ByteView 
 
 struct VexQTftabAtom::Layout {
     using Atom = VexQTftabAtom;
+    static Bytes entryBytes(VexQTFontTableEntry entry) { return entry.atomData(); }
     static constexpr Field fields[] = {
         irregular<&Atom::decodeCount, &Atom::encodeCount>(),
         irregular<&Atom::decodeEntries, &Atom::encodeEntries>(),
-        entryList<&Atom::fontTableEntries_, VexQTFontTableEntry::Layout::columns>(
+        entryList<&Atom::fontTableEntries_, VexQTFontTableEntry::Layout::columns, entryBytes>(
             "fontTableEntries"),
     };
 };
@@ -86,12 +87,14 @@ void VexQTftabAtom::decodeEntries(AtomReader& in) {
     if (!hasEntriesToRead_ || in.remaining() < 2) return;
     ReadContext ofEntries;
     while (in.remaining() != 0) {
-        const std::uint64_t offsetOfEntry = offsetInFile() + in.position();
+        const std::size_t start = in.position();
+        const std::uint64_t offsetOfEntry = offsetInFile() + start;
         const std::size_t length = kBeforeName + nameLengthAhead(in);
         if (length > in.remaining()) return;
         const auto entry = make(VexQTFontTableEntry::kClass, in.takeShared(length), nullptr,
                                 offsetOfEntry, ofEntries);
         fontTableEntries_.push_back(static_cast<const VexQTFontTableEntry&>(*entry));
+        in.noteEntryFrom(start);
     }
 }
 

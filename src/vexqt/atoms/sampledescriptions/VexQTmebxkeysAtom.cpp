@@ -42,7 +42,8 @@ struct VexQTmebxkeysAtom::Layout {
     using Atom = VexQTmebxkeysAtom;
     static constexpr Field fields[] = {
         irregular<&Atom::decodeKeys, &Atom::encodeKeys>(),
-        entryList<&Atom::keys_, VexQTmebxkeyEntry::Layout::columns>("keys"),
+        entryList<&Atom::keys_, VexQTmebxkeyEntry::Layout::columns, &VexQTmebxkeyEntry::keyData>(
+            "keys"),
     };
 };
 
@@ -70,12 +71,16 @@ static std::optional<VexQTmebxkeyEntry> keyFrom(std::uint32_t index, ByteReader 
 /// A record that is shorter than its header ends the table, one that runs past the end is cut.
 void VexQTmebxkeysAtom::decodeKeys(AtomReader& in) {
     while (in.remaining() >= kHeaderLength) {
+        const std::size_t start = in.position();
         ByteReader ahead = in;
         const std::uint32_t size = ahead.u32();
         const std::uint32_t index = ahead.u32();
         if (size < kHeaderLength) return;
         ByteReader record(in.take(std::min<std::size_t>(size, in.remaining())), kHeaderLength);
-        if (auto key = keyFrom(index, record)) keys_.push_back(*std::move(key));
+        auto key = keyFrom(index, record);
+        if (!key) continue;
+        keys_.push_back(*std::move(key));
+        in.noteEntryFrom(start);
     }
 }
 
