@@ -144,6 +144,8 @@ std::vector<Layout> journaledLayouts() {
         {"longer, changed before", 1000, 1700, {{8, 4}, {1000, 700}}},
         {"longer by two writes", 1000, 2100, {{990, 500}, {1490, 610}}},
         {"much longer", 500, 2500, {{400, 2100}}},
+        {"longer behind a gap", 1000, 2600, {{1700, 900}}},
+        {"longer behind a gap, changed before", 1000, 2600, {{8, 4}, {1500, 1100}}},
         {"from nothing", 0, 800, {{0, 800}}},
         {"shorter by a byte", 1000, 999, {}},
         {"shorter by a block", 1536, 1024, {}},

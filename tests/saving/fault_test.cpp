@@ -31,6 +31,7 @@ std::vector<Case> changes() {
     return {
         {"patched", changeOf(2000, 2000, {{100, 4}, {900, 600}})},
         {"longer", changeOf(2000, 2600, {{20, 4}, {1900, 700}})},
+        {"longer behind a gap", changeOf(2000, 3600, {{20, 4}, {3000, 600}})},
         {"shorter", changeOf(2000, 900, {{800, 100}})},
         {"flipped", changeOf(2000, 2600, {{2000, 600}}, Patch{508, 8})},
     };

@@ -17,8 +17,9 @@ std::string_view FileChange::flaw() const {
         if (write.offset <= covered && end > covered) covered = end;
         if (flip && write.offset < oldLength) return "a write lies before the old end of the file";
     }
-    if (covered < newLength) return "what the file becomes longer by is not all written";
+    if (end < newLength && oldLength < newLength) return "nothing is written at the new end";
     if (!flip) return {};
+    if (covered < newLength) return "what the file becomes longer by is not all written";
     if (newLength < oldLength) return "the file becomes shorter";
     if (flip->bytes.size() > kLongestFlip) return "too many bytes to be flipped";
     if (flip->offset > oldLength || flip->bytes.size() > oldLength - flip->offset)

@@ -30,8 +30,8 @@ struct FileWrite {
 
 /// All that changes in one file, which is done as a whole or not at all.
 struct FileChange {
-    /// In the order of their offsets, none reaching into the next. They cover all that the file
-    /// becomes longer by.
+    /// In the order of their offsets, none reaching into the next. What the file becomes longer by
+    /// and none of them covers is zeros; where there is a flip they cover all of it.
     std::vector<FileWrite> writes;
     std::uint64_t oldLength = 0, newLength = 0;
 
