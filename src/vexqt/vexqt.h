@@ -116,3 +116,4 @@
 #include "vexqt/saving/Surgery.h"
 #include "vexqt/saving/UndoStore.h"
 #include "vexqt/saving/recovery.h"
+#include "vexqt/saving/whole_files.h"

@@ -6,6 +6,9 @@
 #include "vexqt/asset/VexQTAsset.h"
 #include "vexqt/atoms/headers/VexQTmvhdAtom.h"
 #include "vexqt/atoms/headers/VexQTtkhdAtom.h"
+#include "vexqt/atoms/metadata/VexQTkeysAtom.h"
+#include "vexqt/atoms/sampledescriptions/VexQTftabAtom.h"
+#include "vexqt/atoms/sampledescriptions/VexQTmebxkeysAtom.h"
 #include "vexqt/atoms/sampletables/VexQTelstAtom.h"
 #include "vexqt/atoms/sampletables/VexQTsttsAtom.h"
 #include "vexqt/atoms/structure/VexQTmoovAtom.h"
@@ -268,24 +271,124 @@ TEST(SurgeryOfChildren, ADeclinedRootWithAnExtendedSizeKeepsItsBytes) {
     EXPECT_EQ(surgical(root), Bytes(bytes.begin() + 8, bytes.end()));
 }
 
+// MARK: Lists whose entries have lengths of their own
+
+/// Keys with something behind their texts that their class does not write.
+Bytes key(std::string_view name, std::string_view padding = {}) {
+    return join({u32(static_cast<std::uint32_t>(8 + name.size() + padding.size())), text("mdta"),
+                 text(name), text(padding)});
+}
+const Bytes kFirstKey = key("first", std::string_view("\0\0", 2));
+const Bytes kSecondKey = key("second");
+const Bytes kThirdKey = key("third", std::string_view("\0more", 5));
+
+class KeysOfMetadata : public ::testing::Test {
+protected:
+    static Bytes keysOf(std::initializer_list<ByteView> entries) {
+        return atom("keys"_os, {u32(0), u32(static_cast<std::uint32_t>(entries.size())),
+                                join(entries), text("tail")});
+    }
+    std::unique_ptr<VexQTkeysAtom> keys =
+        VexQTkeysAtom::initWithData(keysOf({kFirstKey, kSecondKey, kThirdKey}), nullptr, 0);
+    bool changesMore() {
+        Surgery surgery;
+        surgery.written(*keys);
+        EXPECT_EQ(surgery.edits().size(), 1U);
+        EXPECT_EQ(surgery.edits()[0].property, "keys");
+        return surgery.edits()[0].changesMore;
+    }
+};
+
+TEST_F(KeysOfMetadata, ThatAreEditedLeaveTheOthersAsTheyWereRead) {
+    keys->keys()[1].setValue("other");
+    EXPECT_EQ(surgical(*keys), keysOf({kFirstKey, key("other"), kThirdKey}));
+    EXPECT_FALSE(changesMore());
+}
+
+TEST_F(KeysOfMetadata, ThatAreInsertedLeaveTheOthersAsTheyWereRead) {
+    keys->keys().insert(keys->keys().begin() + 1, VexQTKeyEntry(2, "mdta"_os, "new"));
+    EXPECT_EQ(surgical(*keys), keysOf({kFirstKey, key("new"), kSecondKey, kThirdKey}));
+    keys->keys().emplace_back(5, "mdta"_os, "last");
+    EXPECT_EQ(surgical(*keys), keysOf({kFirstKey, key("new"), kSecondKey, kThirdKey, key("last")}));
+    EXPECT_FALSE(changesMore());
+}
+
+TEST_F(KeysOfMetadata, ThatAreRemovedLeaveTheOthersAsTheyWereRead) {
+    keys->keys().erase(keys->keys().begin());
+    EXPECT_EQ(surgical(*keys), keysOf({kSecondKey, kThirdKey}));
+    EXPECT_FALSE(changesMore());
+    keys->keys().clear();
+    EXPECT_EQ(surgical(*keys), keysOf({}));
+}
+
+TEST_F(KeysOfMetadata, ThatAreRemovedAndEditedLeaveTheOthersAsTheyWereRead) {
+    keys->keys().erase(keys->keys().begin());
+    keys->keys()[0].setValue("other");
+    EXPECT_EQ(surgical(*keys), keysOf({key("other"), kThirdKey}));
+}
+
+TEST_F(KeysOfMetadata, TellWhereAnEditTakesTheirPaddingWithIt) {
+    keys->keys()[0].setNameSpace("abcd"_os);
+    const Bytes edited = join({u32(13), text("abcd"), text("first")});
+    EXPECT_EQ(surgical(*keys), keysOf({edited, kSecondKey, kThirdKey}));
+    EXPECT_TRUE(changesMore());
+}
+
+/// A key of timed metadata, with other records than its class writes where it is asked for.
+Bytes timedKey(std::uint32_t index, std::string_view name, ByteView others = {}) {
+    const Bytes records = join({atom("keyd"_os, {text("mdta"), text(name)}), others,
+                                atom("dtyp"_os, {u32(0), u32(30 + index)})});
+    return join({u32(static_cast<std::uint32_t>(8 + records.size())), u32(index), records});
+}
+
+TEST(KeysOfTimedMetadata, StayInTheirOrderWithWhatTheirClassDoesNotWrite) {
+    const Bytes setup = atom("setu"_os, {text("any bytes")});
+    const Bytes nameless = join({u32(24), u32(9), atom("dtyp"_os, {u64(1)})});
+    const Bytes table = atom("keys"_os, {timedKey(1, "b", setup), nameless, timedKey(2, "a"),
+                                         timedKey(3, "c", setup), text("end")});
+    const auto keys = VexQTmebxkeysAtom::initWithData(table, nullptr, 0);
+    ASSERT_EQ(keys->numberOfKeys(), 3U);
+    EXPECT_EQ(surgical(*keys), table);
+
+    keys->keys()[1].setValue("other");
+    EXPECT_EQ(surgical(*keys),
+              atom("keys"_os, {timedKey(1, "b", setup), nameless, timedKey(2, "other"),
+                               timedKey(3, "c", setup), text("end")}));
+    keys->keys()[1].setValue("a");
+    keys->keys().erase(keys->keys().begin());
+    EXPECT_EQ(surgical(*keys),
+              atom("keys"_os, {nameless, timedKey(2, "a"), timedKey(3, "c", setup), text("end")}));
+}
+
+TEST(FontTable, LeavesTheFontsThatNobodyEditedAsTheyWereRead) {
+    const Bytes padded = join({u16(1), u8(7), text(std::string_view("Serif\0!", 7))});
+    const auto table = [&](ByteView second) { return atom("ftab"_os, {u16(2), padded, second}); };
+    const auto fonts =
+        VexQTftabAtom::initWithData(table(join({u16(2), u8(4), text("Mono")})), nullptr, 0);
+    fonts->fontTableEntries()[1].setFontName("Sans serif");
+    EXPECT_EQ(surgical(*fonts), table(join({u16(2), u8(10), text("Sans serif")})));
+}
+
 // MARK: Rows
 
 TEST(MergedRow, KeepsWhatWasReadWhereverTheTwoWritingsAgree) {
     Field row;
     row.unitWidth = 2;
-    EXPECT_EQ(mergedRow(row, text("AABBCC"), text("aabbcc"), text("aaXXcc")), text("AAXXCC"));
+    EXPECT_EQ(mergedRow(row, text("AABBCC"), text("aabbcc"), text("aaXXcc")).bytes, text("AAXXCC"));
 }
 
 TEST(MergedRow, IsWhatIsWrittenNowWhereItCannotBeCutIntoValues) {
-    EXPECT_EQ(mergedRow(Field(), text("AABB"), text("aabb"), text("aaXX")), text("aaXX"));
+    EXPECT_EQ(mergedRow(Field(), text("AABB"), text("aabb"), text("aaXX")).bytes, text("aaXX"));
     Field row;
     row.unitWidth = 2;
-    EXPECT_EQ(mergedRow(row, text("AAB"), text("aabb"), text("aaXX")), text("aaXX"));
+    EXPECT_EQ(mergedRow(row, text("AAB"), text("aabb"), text("aaXX")).bytes, text("aaXX"));
 }
 
 TEST(MergedRow, KeepsWhatLiesBehindAValueThatComesBackShorter) {
-    EXPECT_EQ(mergedRow(Field(), text("abc--"), text("abc"), text("xy")), text("xy--"));
-    EXPECT_EQ(mergedRow(Field(), text("ABC--"), text("abc"), text("xy")), text("xy"));
+    EXPECT_EQ(mergedRow(Field(), text("abc--"), text("abc"), text("xy")).bytes, text("xy--"));
+    EXPECT_EQ(mergedRow(Field(), text("ABC--"), text("abc"), text("xy")).bytes, text("xy"));
+    EXPECT_EQ(mergedRow(Field(), text("--"), {}, text("xy")).bytes, text("xy"))
+        << "what gave no value makes room for one";
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "vexqt/saving/ExactWriting.h"
 
+#include "vexqt/asset/AtomPath.h"
 #include "vexqt/core/hex.h"
 #include "vexqt/saving/AtomRows.h"
 
@@ -146,14 +147,9 @@ void Comparison::add(VexQTAtom& atom, const std::string& path) {
             addRow(atom, *part.row, part, read, path);
     addDropped(atom, read, path);
 
-    std::vector<OSType> types;
-    for (const auto& child : atom.children()) {
-        const auto ordinal = std::ranges::count(types, child->atomType());
-        types.push_back(child->atomType());
-        std::string childPath = path + "." + pathSegment(child->atomType());
-        if (ordinal > 0) childPath += "[" + std::to_string(ordinal) + "]";
-        add(*child, childPath);
-    }
+    const auto segments = AtomPath::segmentsOf(atom.children());
+    for (std::size_t i = 0; i < segments.size(); ++i)
+        add(*atom.children()[i], path + "." + segments[i]);
     if (atom.atomClass().writtenHeader == WrittenHeader::InRows && atom.atomData().empty()) {
         report("atom-dropped", Severity::Destroys, path, {startInFile(atom), read.bytes.size()},
                "is not written at all");

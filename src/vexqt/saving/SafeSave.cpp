@@ -1,175 +1,135 @@
 #include "vexqt/saving/SafeSave.h"
 
-#include <unistd.h>
+#include <cstring>
 
-#include "vexqt/saving/AtomRows.h"
+#include "vexqt/saving/Draft.h"
 #include "vexqt/saving/FileTransaction.h"
-#include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
 
 namespace {
 
-// MARK: Whether what will be written is what was meant
+/// Bytes in memory in the place of the file that a movie was read from.
+class BytesAsFile final : public File {
+public:
+    explicit BytesAsFile(ByteView bytes) : bytes_(bytes) {}
 
-/// What a class writes for a row; absent also where it cannot write what the atom holds.
-std::optional<Bytes> writtenRow(const Field& row, const VexQTAtom& atom) {
-    try {
-        return encodedRow(row, atom);
-    } catch (const Error&) {
-        return std::nullopt;
+    std::size_t readAt(std::uint64_t offset, std::span<std::uint8_t> into,
+                       std::error_code& error) override {
+        error.clear();
+        if (offset >= bytes_.size()) return 0;
+        const ByteView there = bytes_.subspan(static_cast<std::size_t>(offset));
+        const std::size_t count = std::min(into.size(), there.size());
+        std::ranges::copy(there.first(count), into.begin());
+        return count;
     }
-}
-
-/// The bytes that a row was read from; none where it was not in the file.
-ByteView bytesOfRow(const Field& row, const AtomAsRead& read) {
-    for (const Survey::Part& part : read.survey.rows)
-        if (part.row == &row) return read.bytes.view().subspan(part.start, part.end - part.start);
-    return {};
-}
-
-/// Whether a row that does not read as it was set has the bytes that stand for what was set: some
-/// codecs read another value than they wrote, -1.0 among them.
-bool hasMeantBytes(const Field& row, const VexQTAtom& meant, const VexQTAtom& readBack) {
-    const auto now = writtenRow(row, meant);
-    if (!now) return false;
-    const ByteView there = bytesOfRow(row, AtomAsRead(readBack));
-    if (meant.origin().size() == 0) return std::ranges::equal(there, *now);
-    const AtomAsRead before(meant);
-    const auto wouldBe = writtenRow(row, *before.record);
-    return std::ranges::equal(
-        there, mergedRow(row, bytesOfRow(row, before), wouldBe.value_or(Bytes()), *now));
-}
-
-bool haveSameRows(const VexQTAtom& meant, const VexQTAtom& readBack) {
-    for (const Field& row : meant.atomClass().fields) {
-        if (row.holdsChildren || row.encode == nullptr) continue;
-        if (row.untouched != nullptr && row.untouched(meant)) continue;
-        if (writtenRow(row, meant) == writtenRow(row, readBack)) continue;
-        if (!hasMeantBytes(row, meant, readBack)) return false;
+    FileIdentity identity(std::error_code& error) override {
+        error.clear();
+        return {.size = bytes_.size(), .isRegular = true};
     }
-    return true;
-}
 
-/// The path of the first atom that differs, empty for none.
-std::string firstDifference(const VexQTAtom& meant, const VexQTAtom& readBack,
-                            const std::string& path) {
-    const bool isRaw = &meant.atomClass() == &VexQTAtom::kClass && meant.unknownBytes();
-    if (isRaw && !meant.declinedClass()) {
-        // Its type may be one that a class decodes; then it is read as that from now on.
-        const ByteView bytes = readBack.origin().view();
-        const ByteView raw = *meant.unknownBytes();
-        const bool isSame = meant.atomTypeString() == readBack.atomTypeString() &&
-                            bytes.size() >= raw.size() &&
-                            std::ranges::equal(bytes.last(raw.size()), raw);
-        return isSame ? std::string() : path;
-    }
-    const bool isSameKind = &meant.atomClass() == &readBack.atomClass() &&
-                            meant.declinedClass() == readBack.declinedClass() &&
-                            meant.atomTypeString() == readBack.atomTypeString();
-    const bool isSame = isSameKind && meant.children().size() == readBack.children().size() &&
-                        haveSameRows(meant, readBack);
-    if (!isSame) return path;
-    for (std::size_t i = 0; i < meant.children().size(); ++i) {
-        const VexQTAtom& child = *meant.children()[i];
-        std::string found = firstDifference(child, *readBack.children()[i],
-                                            path + "." + pathSegment(child.atomType()));
-        if (!found.empty()) return found;
-    }
-    return {};
-}
+    // It is there to be looked at.
+    void writeAt(std::uint64_t, ByteView, std::error_code& error) override { refuse(error); }
+    void truncate(std::uint64_t, std::error_code& error) override { refuse(error); }
+    void flush(std::error_code& error) override { refuse(error); }
+    void lock(std::error_code& error) override { refuse(error); }
+    void setModified(std::int64_t, std::int64_t, std::error_code& error) override { refuse(error); }
 
-SaveFailure failureOf(std::string what, std::error_code code = {},
-                      SaveFailure::Reason reason = SaveFailure::Reason::System) {
-    if (code) what += (what.empty() ? "" : ": ") + code.message();
-    return {.code = code, .what = std::move(what), .reason = reason};
-}
+private:
+    static void refuse(std::error_code& error) {
+        error = std::make_error_code(std::errc::bad_file_descriptor);
+    }
+
+    ByteView bytes_;
+};
 
 /// Whether the file holds the new atoms where they were to be, and can be followed from header to
-/// header to its end.
+/// header to its end. Throws a SaveFailure where it cannot be read.
 bool isAsPlanned(const SavePlan& plan, File& file) {
     constexpr std::size_t kBlock = 1 << 20;
-    std::error_code error;
+    NamedFile written(file, "");
     Bytes block;
     for (const SavePlan::NewAtom& atom : plan.newAtoms()) {
         const ByteView meant = atom.bytes.view();
         for (std::size_t done = 0; done < meant.size(); done += kBlock) {
             const ByteView expected = meant.subspan(done, std::min(kBlock, meant.size() - done));
             block.resize(expected.size());
-            const std::size_t count = file.readAt(atom.offset + done, block, error);
-            if (error || count != expected.size() || !std::ranges::equal(block, expected))
-                return false;
+            written.read(atom.offset + done, block);
+            if (!std::ranges::equal(block, expected)) return false;
         }
     }
     if (plan.form() == SaveForm::Exact) return true;
     const bool ended = plan.layout().end() == plan.layout().fileLength;
+    std::error_code error;
     const FileLayout layout = FileLayout::of(file, error);
-    return !error && (!ended || layout.end() == layout.fileLength);
+    check(error, "reading the headers that were written");
+    return !ended || layout.end() == layout.fileLength;
 }
 
-/// Why a plan must not be executed; absent where it may.
-std::optional<SaveResult::Outcome> objection(SaveResult& result, const SaveOptions& options) {
+/// Plans the save into the result. False, with the outcome, where the plan must not be executed or
+/// there is nothing to do.
+bool isToBeSaved(SaveResult& result, VexQTAsset& asset, File& file, const SaveOptions& options) {
+    result.plan = SavePlan::of(asset, file, options.form, result.failure);
+    if (result.failure) return false;
     const SavePlan& plan = result.plan;
-    const auto isBlocking = [](const Finding& finding) {
-        return finding.id == "file-changed" || finding.id == "read-again-first" ||
-               finding.id == "no-room";
-    };
-    // What force cannot mend either: there is nothing right to write.
-    if (std::ranges::any_of(plan.findings(), isBlocking)) return SaveResult::Outcome::Refused;
-    if (plan.has(Severity::Destroys) && !options.force) return SaveResult::Outcome::Refused;
-    if (plan.form() == SaveForm::Surgical) {
-        if (const auto path = firstNotAsMeant(plan)) {
-            result.failure = failureOf(*path +
-                                           " would not read back as it was edited; the movie is "
-                                           "as it was",
-                                       {}, SaveFailure::Reason::NotAsMeant);
-            return SaveResult::Outcome::Failed;
-        }
+    if (plan.has(Severity::Destroys) && !(options.force && plan.canBeForced())) {
+        result.outcome = SaveResult::Outcome::Refused;
+        return false;
     }
-    if (plan.change().isEmpty()) return SaveResult::Outcome::NothingToDo;
-    return std::nullopt;
+    result.outcome = SaveResult::Outcome::NothingToDo;
+    return !plan.change().isEmpty();
+}
+
+SaveResult failed(std::string what) {
+    SaveResult result;
+    result.failure = SaveFailure{.code = {}, .what = std::move(what)};
+    return result;
+}
+
+void apply(const FileChange& change, NamedFile& file) {
+    for (const FileWrite& each : change.writes) file.write(each.offset, each.bytes.view());
+    if (change.flip) file.write(change.flip->offset, change.flip->bytes.view());
+    if (change.newLength < change.oldLength) file.truncate(change.newLength);
+}
+
+void finish(Draft& draft, SaveResult& result) {
+    apply(result.plan.change(), draft.file());
+    if (!isAsPlanned(result.plan, draft.file().file()))
+        throw SaveFailure{.code = std::make_error_code(std::errc::io_error),
+                          .what = "what was written does not read back as it was meant",
+                          .reason = SaveFailure::Reason::NotAsMeant};
+    if (auto note = draft.finish()) result.notes.push_back(std::move(*note));
+    result.outcome = SaveResult::Outcome::Saved;
+}
+
+/// Whether nothing but an edit is missing for a copy to be made.
+bool isToBeCopied(SaveResult& result, VexQTAsset& asset, File& file, const SaveOptions& options) {
+    return isToBeSaved(result, asset, file, options) ||
+           result.outcome == SaveResult::Outcome::NothingToDo;
+}
+
+SaveResult copied(const std::function<void(SaveResult&)>& copy) {
+    SaveResult result;
+    try {
+        copy(result);
+    } catch (SaveFailure& failure) {
+        failure.what += "; no copy was made";
+        result.failure = failure;
+    }
+    if (result.failure) result.outcome = SaveResult::Outcome::Failed;
+    return result;
 }
 
 }  // namespace
 
-std::optional<std::string> firstNotAsMeant(const SavePlan& plan) {
-    for (const SavePlan::NewAtom& atom : plan.newAtoms()) {
-        SharedBytes bytes = atom.bytes;
-        // Root atoms are decoded from 8 bytes before the end of their header.
-        if (ByteReader(bytes.view()).u32() == 1) bytes = bytes.part(8, bytes.size() - 8);
-        std::vector<Problem> ignored;
-        ReadContext context(ignored);
-        const ReadContext::Siblings none;
-        const ReadContext::Step step(context, atom.atom->atomType(), none);
-        const std::string path = pathSegment(atom.atom->atomType());
-        try {
-            const auto readBack = VexQTAtom::make(atom.atom->atomClass(), bytes, nullptr,
-                                                  atom.atom->offsetInFile(), context);
-            if (!readBack) return path;
-            if (std::string found = firstDifference(*atom.atom, *readBack, path); !found.empty())
-                return found;
-        } catch (const Error&) {
-            return path;
-        }
-    }
-    return std::nullopt;
-}
-
 SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options, FileSystem& files) {
+    if (!asset.assetURL() || !asset.fileIdentity())
+        return failed("the movie was not read from a file");
     SaveResult result;
-    if (!asset.assetURL() || !asset.fileIdentity()) {
-        result.failure = failureOf("the movie was not read from a file");
-        return result;
-    }
     FileTransaction transaction(files);
     result.failure = transaction.open(*asset.assetURL(), *asset.fileIdentity());
-    if (result.failure) return result;
+    if (result.failure || !isToBeSaved(result, asset, transaction.file(), options)) return result;
 
-    result.plan = SavePlan::of(asset, transaction.file(), options.form);
-    if (const auto outcome = objection(result, options)) {
-        result.outcome = *outcome;
-        return result;
-    }
     result.failure = transaction.apply(result.plan.change(),
                                        {.progress = options.progress, .verify = [&](File& file) {
                                             return isAsPlanned(result.plan, file);
@@ -181,113 +141,44 @@ SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options, FileSystem
     return result;
 }
 
-namespace {
-
-/// A copy under a name of its own, removed unless it is finished.
-class Draft {
-public:
-    Draft(FileSystem& files, const std::filesystem::path& target)
-        : files_(files),
-          target_(target),
-          path_(target.parent_path() / ("." + target.filename().string().substr(0, 200) +
-                                        ".vexqt-" + std::to_string(::getpid()))) {}
-    ~Draft() {
-        std::error_code ignored;
-        if (isOurs_ && !isFinished_) files_.remove(path_, ignored);
-    }
-    Draft(const Draft&) = delete;
-    Draft& operator=(const Draft&) = delete;
-
-    std::unique_ptr<File> copyOf(const std::filesystem::path& from, const CopyProgress& progress,
-                                 std::error_code& error) {
-        auto file = files_.copy(from, path_, progress, error);
-        isOurs_ = file != nullptr;
-        return file;
-    }
-    void finish(std::error_code& error) {
-        files_.rename(path_, target_, error);
-        if (error) return;
-        isFinished_ = true;
-        const auto folder = target_.parent_path();
-        files_.flushDirectory(folder.empty() ? "." : folder, error);
-    }
-
-private:
-    FileSystem& files_;
-    std::filesystem::path target_, path_;
-    bool isOurs_ = false, isFinished_ = false;
-};
-
-/// Where a copy goes: a symbolic link stays one, and what it leads to is replaced. Fails for the
-/// movie itself under any name.
-std::filesystem::path targetOf(const std::filesystem::path& copy, const VexQTAsset& asset,
-                               FileSystem& files, std::optional<SaveFailure>& failure) {
-    std::error_code error;
-    const auto there = files.identityOf(copy, error);
-    if (error) {
-        failure = failureOf({}, error);
-        return {};
-    }
-    if (!there) return copy;
-    if (asset.fileIdentity() && there->isSameFile(*asset.fileIdentity())) {
-        failure = failureOf("is the movie itself; save it in place");
-    } else if (!there->isRegular) {
-        failure = failureOf("is no regular file");
-    }
-    const auto resolved = files.resolve(copy, error);
-    if (error) failure = failureOf({}, error);
-    return resolved;
-}
-
-void applyTo(File& file, const FileChange& change, std::error_code& error) {
-    const auto write = [&](const FileWrite& each) {
-        if (!error) file.writeAt(each.offset, each.bytes.view(), error);
-    };
-    for (const FileWrite& each : change.writes) write(each);
-    if (change.flip) write(*change.flip);
-    if (!error && change.newLength < change.oldLength) file.truncate(change.newLength, error);
-    if (!error) file.flush(error);
-}
-
-}  // namespace
-
 SaveResult saveCopy(VexQTAsset& asset, const std::filesystem::path& copy,
                     const SaveOptions& options, FileSystem& files) {
-    SaveResult result;
-    if (!asset.assetURL() || !asset.fileIdentity()) {
-        result.failure = failureOf("the movie was not read from a file");
-        return result;
-    }
-    const auto target = targetOf(copy, asset, files, result.failure);
-    if (result.failure) return result;
+    if (!asset.assetURL() || !asset.fileIdentity())
+        return failed("the movie was not read from a file");
+    return copied([&](SaveResult& result) {
+        const std::filesystem::path& original = *asset.assetURL();
+        Draft draft(files, copy, asset.fileIdentity());
+        const auto checkUnchanged = [&] {
+            std::error_code error;
+            const auto identity = files.identityOf(original, error);
+            check(error, "looking at " + original.string());
+            if (identity == asset.fileIdentity()) return;
+            throw SaveFailure{.code = std::make_error_code(std::errc::io_error),
+                              .what = original.string() + " has changed since it was read",
+                              .reason = SaveFailure::Reason::Changed};
+        };
+        checkUnchanged();
+        std::error_code error;
+        const std::unique_ptr<File> source = files.openForReading(original, error);
+        check(error, "opening " + original.string());
+        // A save that is refused does not copy a long movie first.
+        if (!isToBeCopied(result, asset, *source, options)) return;
+        draft.copy(original, options.progress);
+        checkUnchanged();
+        finish(draft, result);
+    });
+}
 
-    std::error_code error;
-    const auto identity = files.identityOf(*asset.assetURL(), error);
-    if (error || identity != asset.fileIdentity()) {
-        result.failure = failureOf("the file is no longer the one that was read", error,
-                                   SaveFailure::Reason::Changed);
-        return result;
-    }
-    Draft draft(files, target);
-    const auto file = draft.copyOf(*asset.assetURL(), options.progress, error);
-    if (!file) {
-        result.failure = failureOf({}, error);
-        return result;
-    }
-    result.plan = SavePlan::of(asset, *file, options.form);
-    const auto outcome = objection(result, options);
-    if (outcome && *outcome != SaveResult::Outcome::NothingToDo) {
-        result.outcome = *outcome;
-        return result;
-    }
-    applyTo(*file, result.plan.change(), error);
-    if (!error && !isAsPlanned(result.plan, *file))
-        result.failure = failureOf("what was written did not read back as it was meant", {},
-                                   SaveFailure::Reason::NotAsMeant);
-    if (!error && !result.failure) draft.finish(error);
-    if (error) result.failure = failureOf({}, error);
-    result.outcome = result.failure ? SaveResult::Outcome::Failed : SaveResult::Outcome::Saved;
-    return result;
+SaveResult saveCopy(VexQTAsset& asset, ByteView movie, const std::filesystem::path& copy,
+                    const SaveOptions& options, FileSystem& files) {
+    return copied([&](SaveResult& result) {
+        Draft draft(files, copy);
+        BytesAsFile source(movie);
+        if (!isToBeCopied(result, asset, source, options)) return;
+        draft.create();
+        draft.file().write(0, movie);
+        finish(draft, result);
+    });
 }
 
 }  // namespace vexqt

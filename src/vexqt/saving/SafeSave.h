@@ -40,17 +40,17 @@ struct SaveResult {
 /// interrupted save has begun.
 ///
 /// The asset keeps telling where things lay before; read the file again before saving once more.
-/// \throws EncodingError where an edit has no form in the file.
 SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options = {},
                        FileSystem& files = systemFiles());
 
-/// Saves an asset into a copy of the file that it was read from. The copy takes its name only when
-/// it is whole, and replaces what had that name.
+/// Saves an asset into a copy of the file that it was read from. What is wrong with the save is
+/// found out before anything is copied. The copy takes its name only when it is whole, and replaces
+/// what had that name; it has the permissions and extended attributes of the original.
 SaveResult saveCopy(VexQTAsset& asset, const std::filesystem::path& copy,
                     const SaveOptions& options = {}, FileSystem& files = systemFiles());
 
-/// The path of the first atom of a new movie that does not read back as it is in memory; absent
-/// when all of it does.
-std::optional<std::string> firstNotAsMeant(const SavePlan& plan);
+/// The same for an asset that was read from these bytes in memory.
+SaveResult saveCopy(VexQTAsset& asset, ByteView movie, const std::filesystem::path& copy,
+                    const SaveOptions& options = {}, FileSystem& files = systemFiles());
 
 }  // namespace vexqt

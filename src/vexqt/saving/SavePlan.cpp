@@ -1,6 +1,9 @@
 #include "vexqt/saving/SavePlan.h"
 
+#include "vexqt/asset/AtomPath.h"
 #include "vexqt/saving/ExactWriting.h"
+#include "vexqt/saving/NamedFile.h"
+#include "vexqt/saving/ReadBack.h"
 #include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
@@ -45,31 +48,10 @@ std::string bytesAt(const FileRange& range) {
     return std::to_string(range.length) + " bytes at " + std::to_string(range.offset);
 }
 
-/// The path of an atom below a root; empty where it is not there.
-std::string pathTo(const VexQTAtom& root, std::string path, const VexQTAtom* atom) {
-    if (&root == atom) return path;
-    for (std::size_t i = 0; i < root.children().size(); ++i) {
-        const VexQTAtom& child = *root.children()[i];
-        const auto ordinal = std::ranges::count_if(
-            std::span(root.children()).first(i),
-            [&](const auto& before) { return before->atomType() == child.atomType(); });
-        std::string segment = path + "." + pathSegment(child.atomType());
-        if (ordinal > 0) segment += "[" + std::to_string(ordinal) + "]";
-        if (std::string found = pathTo(child, std::move(segment), atom); !found.empty())
-            return found;
-    }
-    return {};
-}
-
-std::string rootPath(const VexQTAsset& asset, const VexQTAtom& root) {
-    std::size_t ordinal = 0;
-    for (const auto& before : asset.rootAtoms()) {
-        if (before.get() == &root) break;
-        if (before->atomType() == root.atomType()) ++ordinal;
-    }
-    std::string path = pathSegment(root.atomType());
-    if (ordinal > 0) path += "[" + std::to_string(ordinal) + "]";
-    return path;
+/// The bytes that a root atom is decoded from: they begin 8 before the end of its header.
+SharedBytes bytesToDecode(const SharedBytes& bytes) {
+    const bool isExtended = bytes.size() >= 16 && ByteReader(bytes.view()).u32() == 1;
+    return isExtended ? bytes.part(8, bytes.size() - 8) : bytes;
 }
 
 }  // namespace
@@ -83,6 +65,39 @@ void SavePlan::add(std::string_view id, Severity severity, std::optional<FileRan
 
 bool SavePlan::has(Severity severity) const {
     return std::ranges::count(findings_, severity, &Finding::severity) > 0;
+}
+
+bool SavePlan::canBeForced() const {
+    static constexpr std::string_view kNothingToWrite[] = {"atom-refuses", "file-changed",
+                                                           "no-room", "read-again-first"};
+    return std::ranges::none_of(findings_, [](const Finding& finding) {
+        return finding.severity == Severity::Destroys &&
+               std::ranges::count(kNothingToWrite, finding.id) > 0;
+    });
+}
+
+/// Reads every new atom before it is written: what does not read as it was meant is told.
+void SavePlan::checkNewAtoms(const VexQTAsset& asset) {
+    for (const NewAtom& made : newAtoms_) {
+        const FileRange range = {made.offset, made.bytes.size()};
+        const std::string path = AtomPath::of(*made.atom, asset.rootAtoms());
+        const SharedBytes bytes = bytesToDecode(made.bytes);
+        const std::uint64_t offset = made.offset + made.bytes.size() - bytes.size();
+        if (auto wrong = misreadingOf(*made.atom, bytes, offset, path, form_)) {
+            add("unreadable-after", Severity::Destroys, range, std::move(wrong->message),
+                std::move(wrong->path));
+            continue;
+        }
+        const AtomClass& cls = made.atom->atomClass();
+        auto wrong = strictFailure(cls, bytes, offset, path);
+        const SharedBytes& was = made.atom->origin();
+        const bool wasReadable =
+            was.size() == 0 || !strictFailure(cls, was, made.atom->offsetInFile(), path);
+        // A surgical save is not to blame for what was so before.
+        if (!wrong || (form_ == SaveForm::Surgical && !wasReadable)) continue;
+        add("unreadable-after", Severity::Destroys, range,
+            "a strict reading of what is written fails: " + wrong->message, std::move(wrong->path));
+    }
 }
 
 void SavePlan::write(std::uint64_t offset, const SharedBytes& bytes) {
@@ -102,8 +117,9 @@ void SavePlan::checkSource(const VexQTAsset& asset, File& file) {
             const ByteView expected = origin.subspan(done, std::min(kBlock, origin.size() - done));
             block.resize(expected.size());
             std::error_code error;
-            const std::size_t count = file.readAt(start + done, block, error);
-            if (error) throw Error("cannot be read: " + error.message());
+            const FileRange piece = {start + done, block.size()};
+            const std::size_t count = file.readAt(piece.offset, block, error);
+            check(error, "reading " + bytesAt(piece), piece);
             if (count == expected.size() && std::ranges::equal(block, expected)) continue;
 
             const RootExtent* now = layout_.atomAt(extent.start);
@@ -113,11 +129,11 @@ void SavePlan::checkSource(const VexQTAsset& asset, File& file) {
             if (isFreed) {
                 add("read-again-first", Severity::Destroys, range,
                     "the movie was saved since it was read; read it again before saving",
-                    rootPath(asset, *root));
+                    AtomPath::of(*root, asset.rootAtoms()));
             } else {
                 add("file-changed", Severity::Destroys, range,
                     "the file is no longer what was read; read it again before saving",
-                    rootPath(asset, *root));
+                    AtomPath::of(*root, asset.rootAtoms()));
             }
             return;
         }
@@ -170,6 +186,7 @@ public:
             if (!problem.isStructural) continue;
             plan_.add("damaged", Severity::Note, {}, problem.message, problem.path);
         }
+        checkMovies();
         const bool isAppended =
             flip_ && std::ranges::all_of(plan_.change_.writes, [&](const FileWrite& write) {
                 return write.offset >= plan_.layout_.fileLength;
@@ -184,29 +201,70 @@ public:
 private:
     void addRoot(VexQTAtom& root);
     void addIfRemoved(const Extent& extent);
-    void addEdits(const VexQTAtom& root, const Surgery& surgery);
+    void addEdits(const Surgery& surgery);
+    void checkMovies();
     void patch(std::uint64_t offset, const SharedBytes& was, const ByteRope& now);
+    static SharedBytes wholeAtom(OSType type, const VexQTAtom& root, const ByteRope& now,
+                                 std::size_t inFront);
     void place(const VexQTAtom& root, const SharedBytes& bytes);
     bool placeAt(std::size_t first, std::size_t last, const SharedBytes& bytes, OSType type);
     void move(const VexQTAtom& root, const SharedBytes& bytes, std::size_t index);
-    bool closeOpenEnd();
+    bool closeOpenEnd(RootExtent& last);
+    bool closeEnd(const VexQTAtom& root);
+    void leaveNothingBehind(const FileRange& moved);
+    std::string pathOf(const VexQTAtom& atom) const {
+        return AtomPath::of(atom, asset_.rootAtoms());
+    }
     void gentlest(Way way) { plan_.way_ = std::max(plan_.way_, way); }
 
     SavePlan& plan_;
     VexQTAsset& asset_;
     FileLayout future_;  ///< The layout as it will be.
     std::optional<FileWrite> flip_;
+    bool firstMovieIsMoved_ = false;
 };
 
-void SavePlan::Surgical::addEdits(const VexQTAtom& root, const Surgery& surgery) {
+void SavePlan::Surgical::addEdits(const Surgery& surgery) {
     for (const Edit& edit : surgery.edits()) {
-        std::string path = pathTo(root, rootPath(asset_, root), edit.atom);
-        const std::string what = edit.property.empty()
-                                     ? "children were added, removed or moved"
-                                     : "'" + std::string(edit.property) + "' was edited";
+        std::string what = edit.property.empty()
+                               ? "children were added, removed or moved"
+                               : "'" + std::string(edit.property) + "' was edited";
+        if (edit.changesMore)
+            what +=
+                ", and bytes beside it that nobody edited change with it: its class cannot "
+                "write the one and leave the others";
         const Extent extent = edit.atom->extent();
-        plan_.add("atom-changes", Severity::Note, FileRange{extent.start, extent.length}, what,
-                  std::move(path));
+        plan_.add("atom-changes", edit.changesMore ? Severity::Changes : Severity::Note,
+                  FileRange{extent.start, extent.length}, std::move(what), pathOf(*edit.atom));
+    }
+    for (const VexQTAtom* atom : surgery.disagreeingSizes()) {
+        const Extent extent = atom->extent();
+        plan_.add("size-disagrees", Severity::Note, FileRange{extent.start, extent.length},
+                  "its size field does not tell its " + std::to_string(extent.length) +
+                      " bytes; it grows or shrinks by as much as they do",
+                  pathOf(*atom));
+    }
+}
+
+void SavePlan::Surgical::checkMovies() {
+    std::size_t movies = 0;
+    for (const auto& root : asset_.rootAtoms()) {
+        const RootExtent* old = plan_.layout_.atomAt(root->extent().start);
+        if (root->atomType() != "moov"_os) continue;
+        ++movies;
+        if (old == nullptr || !old->isCut || root->origin().size() == 0) continue;
+        plan_.add("movie-cut-short", Severity::Note, FileRange{old->start, old->length},
+                  "the file ends inside the movie; what is there of it stays", pathOf(*root));
+    }
+    if (movies < 2) return;
+    const std::string count = "there are " + std::to_string(movies) + " movies";
+    if (firstMovieIsMoved_) {
+        plan_.add("several-movies", Severity::Destroys, {},
+                  count +
+                      "; the first would be written behind the others, and players take the "
+                      "one that comes first");
+    } else {
+        plan_.add("several-movies", Severity::Note, {}, count + "; players take the first");
     }
 }
 
@@ -214,37 +272,58 @@ void SavePlan::Surgical::addRoot(VexQTAtom& root) {
     if (root.atomClass().type == "mdat"_os || root.atomClass().type == "free"_os) return;
     const SharedBytes& was = root.origin();
     Surgery surgery;
-    const ByteRope now = surgery.written(root);
-    addEdits(root, surgery);
+    ByteRope now;
+    try {
+        now = surgery.written(root);
+    } catch (const Error& error) {
+        const Extent extent = root.extent();
+        plan_.add("atom-refuses", Severity::Destroys, FileRange{extent.start, extent.length},
+                  "cannot be written: " + error.message(), error.path());
+        return;
+    }
+    addEdits(surgery);
     if (was.size() == 0) {
         place(root, now.flat());
         return;
     }
-    if (now.parts().size() == 1 && now.length() == was.size() && was.offsetOf(now.parts().front()))
-        return;  // Nobody edited it.
+    if (surgery.edits().empty()) return;
 
     const Extent extent = root.extent();
     const auto inFront = static_cast<std::size_t>(extent.length - was.size());
+    const RootExtent* there = plan_.layout_.atomAt(extent.start);
+    const bool isTypeEdited = std::ranges::any_of(surgery.edits(), [&](const Edit& edit) {
+        return edit.atom == &root && edit.property == "type";
+    });
+    const OSType type = isTypeEdited || there == nullptr ? root.atomType() : there->type;
+    const SharedBytes whole = wholeAtom(type, root, now, inFront);
     if (now.length() == was.size()) {
+        if (isTypeEdited && inFront != 0)
+            plan_.write(extent.start + 4, SharedBytes::copyOf(codeBytes(type)));
         patch(extent.start + inFront, was, now);
         gentlest(Way::Patch);
-        const SharedBytes flat = now.flat();
-        plan_.newAtoms_.push_back({&root, extent.start + inFront, flat});
+        plan_.newAtoms_.push_back({&root, extent.start, whole});
         return;
     }
-    if (inFront == 0) {
-        place(root, now.flat());
-        return;
-    }
-    // The bytes of a root atom with an extended size begin with that size.
+    place(root, whole);
+}
+
+/// The bytes of a root atom with an extended size begin with that size: the first 8 bytes of its
+/// header are put in front of them.
+SharedBytes SavePlan::Surgical::wholeAtom(OSType type, const VexQTAtom& root, const ByteRope& now,
+                                          std::size_t inFront) {
+    if (inFront == 0) return now.flat();
     ByteWriter whole;
     whole.u32(1);
-    whole.u32(root.atomType());
-    whole.u64(now.length() + inFront);
-    for (const SharedBytes& part : now.parts()) whole.append(part.view());
-    Bytes bytes = whole.release();
-    bytes.erase(bytes.begin() + 16, bytes.begin() + 24);
-    place(root, SharedBytes::copyOf(bytes));
+    whole.u32(type);
+    const bool hasSameSize = now.length() == root.origin().size();
+    if (!hasSameSize) whole.u64(now.length() + inFront);
+    std::size_t skipped = hasSameSize ? 0 : sizeof(std::uint64_t);
+    for (const SharedBytes& part : now.parts()) {
+        const std::size_t count = std::min(skipped, part.size());
+        whole.append(part.view().subspan(count));
+        skipped -= count;
+    }
+    return SharedBytes::copyOf(whole.view());
 }
 
 void SavePlan::Surgical::addIfRemoved(const Extent& extent) {
@@ -331,15 +410,14 @@ void SavePlan::Surgical::place(const VexQTAtom& root, const SharedBytes& bytes) 
                   FileRange{root.extent().start, root.extent().length},
                   quoted(type) + " would need " + std::to_string(bytes.size()) +
                       " bytes and cannot be moved; no free space follows it",
-                  rootPath(asset_, root));
+                  pathOf(root));
         return;
     }
     move(root, bytes, index);
 }
 
 /// Gives an atom that reaches to the end of the file its real size, so that another may follow.
-bool SavePlan::Surgical::closeOpenEnd() {
-    RootExtent& last = future_.atoms.back();
+bool SavePlan::Surgical::closeOpenEnd(RootExtent& last) {
     if (last.length <= std::numeric_limits<std::uint32_t>::max()) {
         plan_.write(last.start,
                     SharedBytes::copyOf(sizeBytes(static_cast<std::uint32_t>(last.length))));
@@ -362,25 +440,65 @@ bool SavePlan::Surgical::closeOpenEnd() {
     return true;
 }
 
+/// Sees to it that readers find what is written behind the last atom.
+bool SavePlan::Surgical::closeEnd(const VexQTAtom& root) {
+    if (future_.atoms.empty()) return true;
+    RootExtent& last = future_.atoms.back();
+    const FileRange range = {last.start, last.length};
+    if (last.isOpenEnded && !closeOpenEnd(last)) {
+        plan_.add("no-room", Severity::Destroys, range,
+                  quoted(last.type) +
+                      " reaches to the end of the file and its size field is too short for its "
+                      "size; nothing can be written behind it",
+                  pathOf(root));
+        return false;
+    }
+    if (!last.isCut) return true;
+    ByteWriter size;
+    if (last.headerLength == 16) {
+        size.u64(last.length);
+    } else {
+        size.u32(static_cast<std::uint32_t>(last.length));
+    }
+    plan_.write(last.start + (last.headerLength == 16 ? 8 : 0), SharedBytes::copyOf(size.view()));
+    last.isCut = false;
+    plan_.add("media-past-end", Severity::Changes, range,
+              quoted(last.type) + " claims to end past the end of the file; its size becomes the " +
+                  std::to_string(last.length) + " bytes that are there");
+    return true;
+}
+
+/// What is left of bytes that were no atom, behind one that was written over their beginning,
+/// becomes free space where it has room for a header, and goes where it has none.
+void SavePlan::Surgical::leaveNothingBehind(const FileRange& moved) {
+    if (moved.end() >= future_.fileLength) {
+        plan_.change_.newLength = future_.fileLength = moved.end();
+        return;
+    }
+    const std::uint64_t left = future_.fileLength - moved.end();
+    if (left < 8) {
+        plan_.change_.newLength = future_.fileLength = moved.end();
+        return;
+    }
+    plan_.write(moved.end(), SharedBytes::copyOf(freeHeader(left)));
+    future_.atoms.push_back({.type = "free"_os,
+                             .start = moved.end(),
+                             .headerLength = freeHeader(left).size(),
+                             .length = left});
+}
+
 void SavePlan::Surgical::move(const VexQTAtom& root, const SharedBytes& bytes, std::size_t index) {
     const bool isMovie = root.atomType() == "moov"_os;
     const FileRange old = {root.extent().start, root.extent().length};
-    if (!future_.atoms.empty() && future_.atoms.back().isOpenEnded && !closeOpenEnd()) {
-        const RootExtent& last = future_.atoms.back();
-        plan_.add("no-room", Severity::Destroys, FileRange{last.start, last.length},
-                  quoted(last.type) +
-                      " reaches to the end of the file and its size field is too "
-                      "short for its size; nothing can be written behind it",
-                  rootPath(asset_, root));
-        return;
-    }
+    if (!closeEnd(root)) return;
+    if (&root == asset_.moovAtom()) firstMovieIsMoved_ = old.length != 0;
     const auto hasType = [&](OSType type) {
         return std::ranges::count(future_.atoms, type, &RootExtent::type) > 0;
     };
     if (isMovie && (hasType("moof"_os) || hasType("sidx"_os))) {
         plan_.add("behind-fragments", Severity::Destroys, old,
                   "the movie would lie behind its fragments, where players do not find it",
-                  rootPath(asset_, root));
+                  pathOf(root));
     }
     const auto firstMedia = std::ranges::find(future_.atoms, "mdat"_os, &RootExtent::type);
     if (isMovie && firstMedia != future_.atoms.end() && old.length != 0 &&
@@ -388,7 +506,7 @@ void SavePlan::Surgical::move(const VexQTAtom& root, const SharedBytes& bytes, s
         plan_.add("movie-no-longer-first", Severity::Changes, old,
                   "the movie lay in front of its media and will lie behind it: playing it from a "
                   "network will start later",
-                  rootPath(asset_, root));
+                  pathOf(root));
     }
     const std::uint64_t start = future_.end();
     if (start < future_.fileLength) {
@@ -397,9 +515,8 @@ void SavePlan::Surgical::move(const VexQTAtom& root, const SharedBytes& bytes, s
                   bytesAt(left) + " behind the last atom are no atom and are written over");
     }
     plan_.write(start, bytes);
-    plan_.change_.newLength = future_.fileLength =
-        std::max(future_.fileLength, start + bytes.size());
     future_.atoms.push_back({.type = root.atomType(), .start = start, .length = bytes.size()});
+    leaveNothingBehind({start, bytes.size()});
     if (old.length != 0 && index < future_.atoms.size()) {
         const FileWrite freed = {old.offset + 4, SharedBytes::copyOf(codeBytes("free"_os))};
         if (flip_) {
@@ -424,6 +541,10 @@ private:
     void checkAtoms();
     void checkMovies();
     void checkPlace(const FileRange& newMovie);
+    void checkBytesBehindTheLastAtom(const FileRange& newMovie);
+    std::string pathOf(const VexQTAtom& atom) const {
+        return AtomPath::of(atom, asset_.rootAtoms());
+    }
 
     SavePlan& plan_;
     VexQTAsset& asset_;
@@ -455,12 +576,6 @@ void SavePlan::Exact::make() {
             if (root->atomType() == "moov"_os) movie = root.get();
         plan_.newAtoms_.push_back({movie, range.offset, bytes});
         checkPlace(range);
-        try {
-            VexQTmoovAtom::initWithData(bytes.view(), nullptr, range.offset);
-        } catch (const Error& error) {
-            plan_.add("unreadable-after", Severity::Destroys, range,
-                      "a strict reading of the new movie fails: " + error.message(), error.path());
-        }
     }
     if (movies > 0 && plan_.newAtoms_.empty()) {
         plan_.add("movie-not-written", Severity::Destroys, {},
@@ -473,7 +588,7 @@ void SavePlan::Exact::make() {
 void SavePlan::Exact::checkAtoms() {
     for (const auto& root : asset_.rootAtoms()) {
         if (root->atomType() != "moov"_os) continue;
-        for (Finding& finding : exactWritingFindings(*root, rootPath(asset_, *root)))
+        for (Finding& finding : exactWritingFindings(*root, pathOf(*root)))
             plan_.findings_.push_back(std::move(finding));
     }
 }
@@ -486,7 +601,7 @@ void SavePlan::Exact::checkMovies() {
         ++movies;
         const Extent extent = movie->extent();
         const FileRange range = {extent.start, extent.length};
-        const std::string path = rootPath(asset_, *root);
+        const std::string path = pathOf(*root);
         if (extent.headerLength == 16) {
             plan_.add("movie-header-64bit", Severity::Destroys, range,
                       "the movie has a header of 16 bytes; the old one would be freed 8 bytes too "
@@ -550,29 +665,56 @@ void SavePlan::Exact::checkPlace(const FileRange& newMovie) {
             }
         }
     }
-    const bool isFragmented =
-        std::ranges::count(plan_.layout_.atoms, "moof"_os, &RootExtent::type) > 0;
+    checkBytesBehindTheLastAtom(newMovie);
+    const bool isFragmented = std::ranges::any_of(plan_.layout_.atoms, [](const RootExtent& atom) {
+        return atom.type == "moof"_os || atom.type == "sidx"_os;
+    });
     if (isFragmented) {
         plan_.add("behind-fragments", Severity::Destroys, newMovie,
                   "the movie would lie behind its fragments, where players do not find it");
     }
 }
 
+void SavePlan::Exact::checkBytesBehindTheLastAtom(const FileRange& newMovie) {
+    const FileRange left = {plan_.layout_.end(), plan_.layout_.fileLength - plan_.layout_.end()};
+    if (left.length == 0 || !left.overlaps(newMovie)) return;
+    plan_.add("overwrites-atom", Severity::Changes, left,
+              bytesAt(left) + " behind the last atom are no atom and are written over");
+    if (newMovie.end() >= left.end()) return;
+    const FileRange stale = {newMovie.end(), left.end() - newMovie.end()};
+    plan_.add("stale-bytes", Severity::Changes, stale,
+              bytesAt(stale) + " would be left behind the new movie, where a header is expected");
+}
+
 // MARK: The plan
 
 SavePlan SavePlan::of(VexQTAsset& asset, File& file, SaveForm form) {
+    std::optional<SaveFailure> failure;
+    SavePlan plan = of(asset, file, form, failure);
+    if (failure) throw Error(failure->what);
+    return plan;
+}
+
+SavePlan SavePlan::of(VexQTAsset& asset, File& file, SaveForm form,
+                      std::optional<SaveFailure>& failure) {
     SavePlan plan(form);
-    std::error_code error;
-    plan.layout_ = FileLayout::of(file, error);
-    if (error) throw Error("cannot be read: " + error.message());
-    plan.change_.oldLength = plan.change_.newLength = plan.layout_.fileLength;
-    plan.checkSource(asset, file);
+    try {
+        std::error_code error;
+        plan.layout_ = FileLayout::of(file, error);
+        check(error, "reading the headers of the movie");
+        plan.change_.oldLength = plan.change_.newLength = plan.layout_.fileLength;
+        plan.checkSource(asset, file);
+    } catch (const SaveFailure& found) {
+        failure = found;
+        return SavePlan(form);
+    }
     if (form == SaveForm::Surgical) {
         Surgical(plan, asset).make();
     } else {
         Exact(plan, asset).make();
     }
     plan.finishChange();
+    plan.checkNewAtoms(asset);
     return plan;
 }
 

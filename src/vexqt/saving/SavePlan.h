@@ -6,6 +6,7 @@
 #include "vexqt/saving/FileChange.h"
 #include "vexqt/saving/FileLayout.h"
 #include "vexqt/saving/Finding.h"
+#include "vexqt/saving/SaveFailure.h"
 
 namespace vexqt {
 
@@ -28,9 +29,11 @@ public:
 
     /// Plans to save an asset into a file that holds what the asset was read from: its own file or
     /// a copy of it.
-    /// \throws EncodingError where an edit has no form in the file, and Error when the file cannot
-    /// be read.
+    /// \throws Error when the file cannot be read.
     static SavePlan of(VexQTAsset& asset, File& file, SaveForm form);
+    /// The same, and an empty plan when the file cannot be read.
+    static SavePlan of(VexQTAsset& asset, File& file, SaveForm form,
+                       std::optional<SaveFailure>& failure);
     /// A plan to do nothing.
     SavePlan() = default;
 
@@ -41,6 +44,9 @@ public:
     /// Everything worth knowing beforehand, edits included.
     const std::vector<Finding>& findings() const { return findings_; }
     bool has(Severity severity) const;
+    /// False where force does not help, because there is nothing right to write: the file is not
+    /// what was read, an atom has no room, or its class cannot write it.
+    bool canBeForced() const;
 
     /// Where the top-level atoms lie now.
     const FileLayout& layout() const { return layout_; }
@@ -61,6 +67,7 @@ private:
     void add(std::string_view id, Severity severity, std::optional<FileRange> range,
              std::string message, std::string path = {});
     void checkSource(const VexQTAsset& asset, File& file);
+    void checkNewAtoms(const VexQTAsset& asset);
     void write(std::uint64_t offset, const SharedBytes& bytes);
     void finishChange();
 

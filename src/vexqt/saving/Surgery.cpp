@@ -47,31 +47,44 @@ void appendMerged(Bytes& out, ByteView read, ByteView wouldBe, ByteView now,
     }
 }
 
+/// How many elements in front and behind are as they were.
+struct Unedited {
+    std::size_t before = 0, behind = 0;
+};
+template <class AreEqual>
+Unedited unedited(std::size_t wouldBe, std::size_t now, const AreEqual& areEqual) {
+    const std::size_t fewer = std::min(wouldBe, now);
+    Unedited elements;
+    while (elements.before < fewer && areEqual(elements.before, elements.before)) ++elements.before;
+    while (elements.behind < fewer - elements.before &&
+           areEqual(wouldBe - 1 - elements.behind, now - 1 - elements.behind))
+        ++elements.behind;
+    return elements;
+}
+
 }  // namespace
 
-Bytes mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now) {
+EditedRow mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now) {
     const std::vector<std::size_t> widths = repeatingWidths(row);
     // Only where a row comes back in the length that it was read in is it known which of its bytes
     // are which value's. What lies behind a value that comes back shorter, such as padding or what
-    // follows a text's zero byte, stays behind the new one.
+    // follows a text's zero byte, stays behind the new one. Of what gives no value at all nothing
+    // does: it would make the new one unreadable too.
     if (widths.empty() || read.size() != wouldBe.size()) {
-        Bytes merged(now.begin(), now.end());
-        const bool isLonger =
-            read.size() > wouldBe.size() && std::ranges::equal(read.first(wouldBe.size()), wouldBe);
-        if (isLonger) append(merged, read.subspan(wouldBe.size()));
+        EditedRow merged = {.bytes = Bytes(now.begin(), now.end())};
+        const bool isLonger = !wouldBe.empty() && read.size() > wouldBe.size() &&
+                              std::ranges::equal(read.first(wouldBe.size()), wouldBe);
+        if (isLonger) append(merged.bytes, read.subspan(wouldBe.size()));
+        merged.isRewritten = !isLonger && !std::ranges::equal(read, wouldBe);
         return merged;
     }
 
     std::size_t width = 0;
     for (const std::size_t each : widths) width += each;
     const Elements was(read, width), would(wouldBe, width), is(now, width);
-    const std::size_t fewer = std::min(would.count(), is.count());
-    std::size_t before = 0;
-    while (before < fewer && std::ranges::equal(would[before], is[before])) ++before;
-    std::size_t behind = 0;
-    while (behind < fewer - before &&
-           std::ranges::equal(would[would.count() - 1 - behind], is[is.count() - 1 - behind]))
-        ++behind;
+    const auto [before, behind] =
+        unedited(would.count(), is.count(),
+                 [&](std::size_t i, std::size_t j) { return std::ranges::equal(would[i], is[j]); });
 
     Bytes merged;
     merged.reserve(now.size());
@@ -85,6 +98,163 @@ Bytes mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now)
         }
     }
     append(merged, was.body.last(behind * width));
+    return {.bytes = std::move(merged)};
+}
+
+namespace {
+
+/// The properties that a row reads and writes: itself, or those that stand right behind it.
+std::span<const Field> propertiesOf(const AtomClass& cls, const Field& row) {
+    const auto all = cls.fields;
+    const auto index = static_cast<std::size_t>(&row - all.data());
+    if (!row.name.empty() || index >= all.size()) return std::span(&row, 1);
+    std::size_t end = index + 1;
+    while (end < all.size() && all[end].decode == nullptr) ++end;
+    return all.subspan(index + 1, end - index - 1);
+}
+
+/// The name of what was edited of a row, as far as that can be told without decoding pictures.
+std::string_view editedProperty(const AtomClass& cls, const Field& row, const Record& before,
+                                const Record& now) {
+    for (const Field& property : propertiesOf(cls, row)) {
+        if (property.get == nullptr || property.kind == ValueKind::Picture) continue;
+        if (property.get(before) != property.get(now)) return property.name;
+    }
+    return nameOfRow(cls, row);
+}
+
+/// A list whose entries have lengths of their own, before it was edited and now.
+class EntryMerge {
+public:
+    EntryMerge(const ListAccess& list, const Survey::Part& part, const AtomAsRead& read,
+               const VexQTAtom& atom)
+        : part_(part), read_(read) {
+        for (std::size_t i = 0; i < list.size(*read.record); ++i)
+            wouldBe_.push_back(list.entryBytes(*read.record, i));
+        for (std::size_t i = 0; i < list.size(atom); ++i) now_.push_back(list.entryBytes(atom, i));
+        isKnown_ = wouldBe_.size() == read.survey.entries.size();
+    }
+
+    /// Whether it is known where each entry lies.
+    bool isKnown() const { return isKnown_; }
+
+    /// What stands in front of the entries, their number for instance, and then the entries. Bytes
+    /// that are no entry stay behind the one that they follow.
+    EditedRow merged(ByteView rowWouldBe, ByteView rowNow) const {
+        const auto headOf = [](ByteView row, const std::vector<Bytes>& entries) {
+            for (const Bytes& entry : entries) row = row.first(row.size() - entry.size());
+            return row;
+        };
+        EditedRow row;
+        const ByteView nowHead = headOf(rowNow, now_);
+        const ByteView wasHead = read_.part(part_.start, startOf(0)).view();
+        const bool isHeadKept = std::ranges::equal(headOf(rowWouldBe, wouldBe_), nowHead);
+        append(row.bytes, isHeadKept ? wasHead : nowHead);
+
+        const std::size_t count = wouldBe_.size();
+        const auto [before, behind] =
+            unedited(count, now_.size(),
+                     [&](std::size_t i, std::size_t j) { return wouldBe_[i] == now_[j]; });
+        for (std::size_t i = 0; i < before; ++i) appendKept(row, i);
+        if (count == now_.size()) {
+            appendInPlace(row, before, count - behind);
+        } else {
+            appendMoved(row, before, count - behind, now_.size() - behind);
+        }
+        for (std::size_t i = count - behind; i < count; ++i) appendKept(row, i);
+        return row;
+    }
+
+private:
+    std::size_t startOf(std::size_t i) const {
+        return i < read_.survey.entries.size() ? read_.survey.entries[i].start : part_.end;
+    }
+    ByteView wasEntry(std::size_t i) const {
+        return read_.part(startOf(i), read_.survey.entries[i].end).view();
+    }
+    void appendKept(EditedRow& row, std::size_t i) const {
+        append(row.bytes, wasEntry(i));
+        appendGap(row, i);
+    }
+    bool isAsItsClassWrites(std::size_t i) const {
+        return std::ranges::equal(wasEntry(i), wouldBe_[i]);
+    }
+
+    /// As many entries as before: each is the one that was read in its place.
+    void appendInPlace(EditedRow& row, std::size_t begin, std::size_t end) const {
+        for (std::size_t i = begin; i < end; ++i) {
+            if (wouldBe_[i] == now_[i]) {
+                appendKept(row, i);
+                continue;
+            }
+            append(row.bytes, now_[i]);
+            appendGap(row, i);
+            row.isRewritten |= !isAsItsClassWrites(i);
+        }
+    }
+
+    /// Entries were inserted or removed, and perhaps others edited: those that are still there are
+    /// looked for in the order in which they stood.
+    void appendMoved(EditedRow& row, std::size_t begin, std::size_t end, std::size_t nowEnd) const {
+        bool isAnyNew = false, isAnyOddGone = false;
+        std::size_t next = begin;
+        const auto leaveOutUpTo = [&](std::size_t place) {
+            for (; next < place; ++next) {
+                appendGap(row, next);
+                isAnyOddGone |= !isAsItsClassWrites(next);
+            }
+        };
+        for (std::size_t j = begin; j < nowEnd; ++j) {
+            std::size_t place = next;
+            while (place < end && wouldBe_[place] != now_[j]) ++place;
+            if (place < end) {
+                leaveOutUpTo(place);
+                appendKept(row, next++);
+            } else {
+                append(row.bytes, now_[j]);
+                isAnyNew = true;
+            }
+        }
+        leaveOutUpTo(end);
+        row.isRewritten = isAnyNew && isAnyOddGone;
+    }
+
+    void appendGap(EditedRow& row, std::size_t i) const {
+        append(row.bytes, read_.part(read_.survey.entries[i].end, startOf(i + 1)).view());
+    }
+
+    const Survey::Part& part_;
+    const AtomAsRead& read_;
+    std::vector<Bytes> wouldBe_, now_;
+    bool isKnown_ = false;
+};
+
+}  // namespace
+
+std::optional<EditedRow> editedRow(const Survey::Part& part, const AtomAsRead& read,
+                                   const VexQTAtom& atom) {
+    const Field& row = *part.row;
+    std::optional<Bytes> wouldBe;
+    try {
+        wouldBe = encodedRow(row, *read.record);
+    } catch (const Error&) {
+        return std::nullopt;  // What its class cannot write at all stays as it is.
+    }
+    const auto now = encodedRow(row, atom);
+    if (wouldBe == now) return std::nullopt;
+
+    const ByteView before = wouldBe ? ByteView(*wouldBe) : ByteView();
+    const ByteView after = now ? ByteView(*now) : ByteView();
+    const std::span<const Field> properties = propertiesOf(atom.atomClass(), row);
+    for (const Field& property : properties) {
+        if (property.list == nullptr || property.list->entryBytes == nullptr) continue;
+        const EntryMerge entries(*property.list, part, read, atom);
+        if (entries.isKnown()) return entries.merged(before, after);
+    }
+    EditedRow merged = mergedRow(row, read.part(part.start, part.end).view(), before, after);
+    // Where the row is one value, all that was written anew is what was edited.
+    const bool isOneValue = properties.size() == 1 && properties.front().list == nullptr;
+    if (isOneValue) merged.isRewritten = false;
     return merged;
 }
 
@@ -138,11 +308,13 @@ ByteRope Surgery::written(VexQTAtom& atom) {
 
 ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
     ByteRope out;
+    // The bytes of a root atom with an extended size begin behind its type.
+    const bool holdType = atom.extent().length == atom.origin().size();
     if (atom.declinedClass()) {
         const Bytes now = atom.atomData();
         const bool isEdited = !std::ranges::equal(now, atom.origin().view());
         if (isEdited) edits_.push_back({&atom, "type"});
-        out.append(isEdited ? SharedBytes::copyOf(now) : atom.origin());
+        out.append(isEdited && holdType ? SharedBytes::copyOf(now) : atom.origin());
         return out;
     }
     const AtomAsRead read(atom);
@@ -180,17 +352,19 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
     const bool isTypeEdited = hasHeader && writtenType(*read.record) != writtenType(atom);
     if (isTypeEdited) edits_.push_back({&atom, "type"});
     if (hasHeader && headerEnd >= 8 && (newLength != read.bytes.size() || isTypeEdited)) {
+        if (newLength != read.bytes.size()) noteSize(atom, header.view());
         ByteWriter patched;
         patched.append(newLength != read.bytes.size()
                            ? grownSize(header.view(), read.bytes.size(), newLength)
                            : Bytes(header.view().begin(), header.view().end()));
-        if (isTypeEdited) patched.patchU32(4, writtenType(atom));
+        if (isTypeEdited && holdType) patched.patchU32(4, writtenType(atom));
         header = SharedBytes::copyOf(patched.view());
     }
     out.append(header);
     if (atom.atomClass().writtenHeader == WrittenHeader::InRows && newLength != read.bytes.size()) {
         // Its first row is its size.
         const SharedBytes flat = body.flat();
+        noteSize(atom, flat.view());
         out.append(grownSize(flat.view(), read.bytes.size(), newLength));
         return out;
     }
@@ -198,22 +372,22 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
     return out;
 }
 
+/// Whether the size field tells the length is looked at where it is about to change.
+void Surgery::noteSize(const VexQTAtom& atom, ByteView header) {
+    const std::uint32_t size = ByteReader(header).u32();
+    const bool isPlain = size > 1;  // 0 and 1 are no sizes.
+    if (isPlain && size != atom.origin().size()) disagreeingSizes_.push_back(&atom);
+}
+
 void Surgery::appendRow(const Field& row, const Survey::Part& part, const AtomAsRead& read,
                         VexQTAtom& atom, ByteRope& out) {
     const SharedBytes bytes = read.part(part.start, part.end);
     if (row.untouched != nullptr && row.untouched(atom)) return out.append(bytes);
-
-    std::optional<Bytes> wouldBe;
-    try {
-        wouldBe = encodedRow(row, *read.record);
-    } catch (const Error&) {
-        return out.append(bytes);  // What its class cannot write at all stays as it is.
-    }
-    const auto now = encodedRow(row, atom);
-    if (wouldBe == now) return out.append(bytes);
-
-    edits_.push_back({&atom, row.name});
-    if (now) out.append(mergedRow(row, bytes.view(), wouldBe.value_or(Bytes()), *now));
+    const auto edited = editedRow(part, read, atom);
+    if (!edited) return out.append(bytes);
+    edits_.push_back(
+        {&atom, editedProperty(atom.atomClass(), row, *read.record, atom), edited->isRewritten});
+    out.append(edited->bytes);
 }
 
 void Surgery::appendChildren(const Survey::Part& region, const AtomAsRead& read, VexQTAtom& atom,

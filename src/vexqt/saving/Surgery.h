@@ -16,6 +16,8 @@ namespace vexqt {
 struct Edit {
     const VexQTAtom* atom = nullptr;
     std::string_view property;  ///< The row's name; empty for what has none, such as a child list.
+    /// Whether bytes of the row change that stand for something nobody edited.
+    bool changesMore = false;
 };
 
 class Surgery {
@@ -27,19 +29,40 @@ public:
 
     /// What was found to be edited while writing, in file order.
     const std::vector<Edit>& edits() const { return edits_; }
+    /// Atoms whose length changes and whose size field did not tell it before. What is added to the
+    /// one is added to the other.
+    const std::vector<const VexQTAtom*>& disagreeingSizes() const { return disagreeingSizes_; }
 
 private:
     ByteRope writtenAsRead(VexQTAtom& atom);
+    void noteSize(const VexQTAtom& atom, ByteView header);
     void appendRow(const Field& row, const Survey::Part& part, const AtomAsRead& read,
                    VexQTAtom& atom, ByteRope& out);
     void appendChildren(const Survey::Part& region, const AtomAsRead& read, VexQTAtom& atom,
                         ByteRope& out);
 
     std::vector<Edit> edits_;
+    std::vector<const VexQTAtom*> disagreeingSizes_;
 };
 
-/// The bytes of a row that was edited: those that were read, but for the values that differ between
-/// what would be written of them and what would be written now.
-Bytes mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now);
+/// The bytes of a row that was edited.
+struct EditedRow {
+    Bytes bytes;
+    /// Whether they are the class's own, and those that were read were not: what of them nobody
+    /// edited is written in another way as well.
+    bool isRewritten = false;
+};
+
+/// Those that were read, but for the values that differ between what would be written of them and
+/// what would be written now.
+EditedRow mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now);
+
+/// The same for a row of an atom: where its list has entries of lengths of their own, each of them
+/// that was not edited keeps its bytes.
+///
+/// Absent where nobody edited the row, or where its class cannot write what was read.
+/// \throws EncodingError where the edit has no form in the file.
+std::optional<EditedRow> editedRow(const Survey::Part& part, const AtomAsRead& read,
+                                   const VexQTAtom& atom);
 
 }  // namespace vexqt
