@@ -6,10 +6,12 @@
 
 #include "saving/FaultyFileSystem.h"
 #include "saving/changes.h"
+#include "saving/saves.h"
 #include "vexqt/platform/MemoryFileSystem.h"
 #include "vexqt/saving/FileTransaction.h"
 #include "vexqt/saving/UndoStore.h"
 #include "vexqt/saving/recovery.h"
+#include "vexqt/saving/whole_files.h"
 
 namespace vexqt {
 namespace {
@@ -392,6 +394,272 @@ TEST(Fault, TheTextSaysWhatHappenedAndHowTheMovieIs) {
     EXPECT_EQ(failureOfWrite(0).what,
               "writing 544 bytes at 128 of /movies/.a.mov.vexqt-journal: No space left on device; "
               "the movie is as it was");
+}
+
+// MARK: Through the operations that people call
+
+/// A way of saving, with a movie and an edit that take it.
+struct SaveCase {
+    const char* what;
+    SavePlan::Way way;
+    Bytes movie;
+    Editing edit;
+    SaveForm form = SaveForm::Surgical;
+};
+
+std::vector<SaveCase> saveCases() {
+    using Way = SavePlan::Way;
+    const Bytes media = atomClaiming(0, "mdat"_os, {Bytes(900, 0xDA)});
+    const Bytes cut = atomClaiming(2000, "mdat"_os, {Bytes(900, 0xDA)});
+    return {
+        {"patched", Way::Patch, join({kFileType, movie(600), kMedia}), setTimeScale},
+        {"in the old place", Way::InOldPlace, join({kFileType, movie(600), kMedia}), shrink},
+        {"longer", Way::InOldPlace, join({kFileType, kMedia, movie(600)}), grow(700)},
+        {"shorter", Way::InOldPlace, join({kFileType, kMedia, movie(600)}), shrink},
+        {"moved and flipped", Way::Move, join({kFileType, movie(600), kMedia}), grow(700)},
+        {"moved with a journal", Way::Move, join({kFileType, movie(8), media}), grow(700)},
+        {"exactly", Way::Move, join({kFileType, kMedia, movie(600)}), setTimeScale,
+         SaveForm::Exact},
+        {"exactly, behind a gap", Way::Move, join({kFileType, movie(8), cut}), setTimeScale,
+         SaveForm::Exact},
+    };
+}
+
+/// A disk in memory with a movie that was read from it and edited.
+class EditedMovie {
+public:
+    EditedMovie() { writeFile(path, movieHeaderOnly()); }
+
+    FaultyFileSystem& fresh(const SaveCase& test) {
+        memory.emplace();
+        memory->put(path, test.movie);
+        std::error_code error;
+        // The path of the asset comes from a file that has the same on the real disk.
+        asset = VexQTAsset::initWithURL(path, error);
+        asset->readMainAtomsWithFileHandle(*memory->openForReading(path, error),
+                                           {.tolerant = true});
+        test.edit(*asset);
+        return faulty.emplace(*memory);
+    }
+    const Bytes& bytes() const { return memory->bytes(path); }
+    /// All but the movie.
+    std::set<fs::path> others() const {
+        auto paths = memory->paths();
+        paths.erase(path);
+        return paths;
+    }
+
+    TemporaryFolder folder;
+    const fs::path path = fs::canonical(folder.path()) / "a.mov";
+    std::optional<MemoryFileSystem> memory;
+    std::optional<FaultyFileSystem> faulty;
+    std::unique_ptr<VexQTAsset> asset;
+
+private:
+    static Bytes movieHeaderOnly() { return join({kFileType, movie(8)}); }
+};
+
+/// One line that says which bytes or which file it was about.
+void expectOneLineThatSaysWhat(const SaveFailure& failure) {
+    EXPECT_EQ(failure.what.find('\n'), std::string::npos);
+    const bool namesRange = failure.what.find(" bytes at ") != std::string::npos ||
+                            failure.what.find(" byte at ") != std::string::npos;
+    const bool namesFile = failure.what.find('/') != std::string::npos ||
+                           failure.what.find("movie") != std::string::npos ||
+                           failure.what.find("the copy") != std::string::npos ||
+                           failure.what.find("the length") != std::string::npos;
+    EXPECT_TRUE(namesRange || namesFile) << failure.what;
+}
+
+std::string described(const Fault& fault, const FaultyFileSystem& files) {
+    return files.operations[fault.first] + " " + std::to_string(fault.first) + " " +
+           (fault.error ? fault.error.message() : "short read") +
+           (fault.forGood ? " for good" : " once") + (fault.doesHalf ? ", half of it" : "");
+}
+
+TEST(Fault, OfSavingInPlaceLeavesTheOldMovieAndNothingBesideIt) {
+    EditedMovie movie;
+    faults = 0;
+    failed.clear();
+    std::size_t saves = 0;
+    for (const SaveCase& test : saveCases()) {
+        SaveResult result;
+        const auto fresh = [&]() -> FaultyFileSystem& { return movie.fresh(test); };
+        const auto save = [&](FaultyFileSystem& files) {
+            UndoStore store(files, kStore);
+            result = saveInPlace(*movie.asset, {.form = test.form, .force = true, .undo = &store},
+                                 files);
+        };
+        save(fresh());
+        ASSERT_EQ(result.outcome, SaveResult::Outcome::Saved) << test.what;
+        ASSERT_EQ(result.plan.way(), test.way) << test.what;
+        const Bytes saved = movie.bytes();
+        ASSERT_NE(saved, test.movie);
+
+        forEachFault(save, fresh, [&](const Fault& fault) {
+            FaultyFileSystem& files = fresh();
+            files.setFault(fault);
+            save(files);
+            if (fault.first >= files.operations.size()) return;
+            ++faults;
+            SCOPED_TRACE(std::string(test.what) + ": " + described(fault, files) +
+                         (result.failure ? "; " + result.failure->what : ""));
+            if (result.outcome == SaveResult::Outcome::Saved) {
+                ++saves;
+                EXPECT_TRUE(movie.bytes() == saved);
+                // People are told of a save that may not last or cannot be undone; this one can.
+                if (result.notes.empty()) {
+                    undo(*movie.memory, UndoStore(*movie.memory, kStore), movie.path);
+                    EXPECT_TRUE(movie.bytes() == test.movie);
+                }
+                return;
+            }
+            failed.insert(files.operations[fault.first]);
+            if (result.outcome == SaveResult::Outcome::Refused) {
+                EXPECT_FALSE(fault.error) << "only a file that ends early looks like another one";
+                EXPECT_FALSE(result.plan.canBeForced());
+            } else {
+                ASSERT_TRUE(result.failure);
+                expectOneLineThatSaysWhat(*result.failure);
+            }
+            if (!fault.forGood) {
+                EXPECT_TRUE(movie.bytes() == test.movie);
+                EXPECT_EQ(movie.others(), std::set<fs::path>());
+                return;
+            }
+            // What a disk that is gone for good did not let be taken back is taken back later.
+            recover(*movie.memory, movie.path, IfChanged::RecoverAnyway);
+            const Bytes& now = movie.bytes();
+            ASSERT_GE(now.size(), test.movie.size());
+            const bool isFlipped = test.way == SavePlan::Way::Move && now != test.movie;
+            if (isFlipped) {
+                const auto asset = VexQTAsset::initWithData(now, {.tolerant = true});
+                EXPECT_NE(asset->moovAtom(), nullptr);
+            } else {
+                EXPECT_TRUE(now == test.movie);
+            }
+            EXPECT_EQ(movie.others(), std::set<fs::path>());
+        });
+        if (HasFailure()) break;
+    }
+    EXPECT_EQ(failed, (std::set<std::string>{"resolve", "openForWriting", "lock", "identity",
+                                             "identityOf", "createPrivate", "read", "write",
+                                             "truncate", "flush", "flushDirectory", "remove"}));
+    std::cout << "[  FAULTS  ] " << faults << ", saved all the same " << saves << "\n";
+}
+
+TEST(Fault, OfSavingACopyLeavesTheMovieAndWhatHadTheNameOfTheCopy) {
+    EditedMovie movie;
+    const fs::path copy = movie.path.parent_path() / "b.mov";
+    const Bytes there = someBytes(700);
+    faults = 0;
+    failed.clear();
+    for (const bool isFromMemory : {false, true}) {
+        for (const SaveCase& test : saveCases()) {
+            SaveResult result;
+            const auto fresh = [&]() -> FaultyFileSystem& {
+                FaultyFileSystem& files = movie.fresh(test);
+                movie.memory->put(copy, there);
+                return files;
+            };
+            const auto save = [&](FaultyFileSystem& files) {
+                const SaveOptions options = {.form = test.form, .force = true};
+                result = isFromMemory ? saveCopy(*movie.asset, test.movie, copy, options, files)
+                                      : saveCopy(*movie.asset, copy, options, files);
+            };
+            save(fresh());
+            ASSERT_EQ(result.outcome, SaveResult::Outcome::Saved) << test.what;
+            const Bytes saved = movie.memory->bytes(copy);
+            ASSERT_NE(saved, test.movie);
+
+            forEachFault(save, fresh, [&](const Fault& fault) {
+                FaultyFileSystem& files = fresh();
+                files.setFault(fault);
+                save(files);
+                if (fault.first >= files.operations.size()) return;
+                ++faults;
+                SCOPED_TRACE(std::string(test.what) + ": " + described(fault, files) +
+                             (result.failure ? "; " + result.failure->what : ""));
+                EXPECT_TRUE(movie.bytes() == test.movie);
+                if (!fault.forGood) {
+                    EXPECT_EQ(movie.others(), std::set<fs::path>{copy});
+                }
+                const Bytes& now = movie.memory->bytes(copy);
+                if (result.outcome == SaveResult::Outcome::Saved) {
+                    EXPECT_TRUE(now == saved);
+                    const bool isToldOf = files.operations[fault.first] == "flushDirectory";
+                    EXPECT_EQ(result.notes.size(), isToldOf && fault.error ? 1U : 0U);
+                    return;
+                }
+                failed.insert(files.operations[fault.first]);
+                EXPECT_TRUE(now == there);
+                if (result.outcome == SaveResult::Outcome::Refused) {
+                    EXPECT_FALSE(fault.error);
+                    return;
+                }
+                ASSERT_TRUE(result.failure);
+                expectOneLineThatSaysWhat(*result.failure);
+                EXPECT_NE(result.failure->what.find("; no copy was made"), std::string::npos);
+            });
+            if (HasFailure()) return;
+        }
+    }
+    EXPECT_EQ(failed,
+              (std::set<std::string>{"identityOf", "resolve", "openForReading", "identity", "read",
+                                     "copy", "create", "write", "truncate", "flush", "rename"}));
+    std::cout << "[  FAULTS  ] " << faults << "\n";
+}
+
+TEST(Fault, OfWritingAWholeFileLeavesWhatHadItsName) {
+    const fs::path path = "/texts/a.json";
+    const Bytes old = someBytes(300), bytes = someBytes(900, 1);
+    std::optional<MemoryFileSystem> memory;
+    std::optional<FaultyFileSystem> faulty;
+    std::optional<SaveFailure> failure;
+    const auto fresh = [&]() -> FaultyFileSystem& {
+        memory.emplace();
+        memory->put(path, old);
+        return faulty.emplace(*memory);
+    };
+    const auto write = [&](FaultyFileSystem& files) { failure = writeWhole(path, bytes, files); };
+    write(fresh());
+    ASSERT_FALSE(failure);
+    EXPECT_EQ(memory->bytes(path), bytes);
+    forEachFault(write, fresh, [&](const Fault& fault) {
+        FaultyFileSystem& files = fresh();
+        files.setFault(fault);
+        write(files);
+        if (fault.first >= files.operations.size()) return;
+        SCOPED_TRACE(described(fault, files));
+        EXPECT_TRUE(memory->bytes(path) == (failure ? old : bytes));
+        if (!fault.forGood) {
+            EXPECT_EQ(memory->paths(), std::set<fs::path>{path});
+        }
+        if (failure) expectOneLineThatSaysWhat(*failure);
+    });
+}
+
+TEST(Fault, OfASaveIsTextThatSaysWhatHappened) {
+    EditedMovie movie;
+    const SaveCase test = saveCases()[0];
+    const std::error_code full = std::make_error_code(std::errc::no_space_on_device);
+    const auto textOf = [&](bool isCopy, std::string_view operation, std::size_t number) {
+        for (std::size_t first = 0;; ++first) {
+            FaultyFileSystem& files = movie.fresh(test);
+            files.setFault(Fault{full, first});
+            const SaveResult result =
+                isCopy ? saveCopy(*movie.asset, movie.path.parent_path() / "b.mov", {}, files)
+                       : saveInPlace(*movie.asset, {}, files);
+            if (files.operations.at(first) == operation && number-- == 0)
+                return result.failure->what;
+        }
+    };
+    EXPECT_EQ(textOf(false, "read", 0),
+              "reading the headers of the movie: No space left on device; the movie is as it was");
+    EXPECT_EQ(textOf(true, "write", 0),
+              "writing 3 bytes at 49 of the copy: No space left on device; no copy was made");
+    EXPECT_EQ(textOf(true, "copy", 0),
+              "copying " + movie.path.string() + ": No space left on device; no copy was made");
 }
 
 }  // namespace

@@ -13,12 +13,17 @@ FileLayout FileLayout::of(File& file, std::error_code& error) {
     std::uint64_t position = 0;
     while (!error && layout.fileLength - position >= 8) {
         std::array<std::uint8_t, 16> bytes{};
-        const std::size_t count = file.readAt(position, bytes, error);
-        if (error || count < 8) break;
+        const std::uint64_t there = layout.fileLength - position;
+        const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(bytes.size(), there));
+        const std::size_t count = file.readAt(position, std::span(bytes).first(wanted), error);
+        if (error) break;
+        if (count < wanted) {  // What cannot be read is not free to be written over.
+            error = std::make_error_code(std::errc::io_error);
+            break;
+        }
         ByteReader in(ByteView(bytes).first(count));
         RootExtent atom = {.start = position, .length = in.u32()};
         atom.type = in.u32();
-        const std::uint64_t there = layout.fileLength - position;
         if (atom.length == 0) {
             atom.isOpenEnded = true;
             atom.length = there;

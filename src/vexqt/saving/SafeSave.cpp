@@ -62,7 +62,7 @@ bool isAsPlanned(const SavePlan& plan, File& file) {
     const bool ended = plan.layout().end() == plan.layout().fileLength;
     std::error_code error;
     const FileLayout layout = FileLayout::of(file, error);
-    check(error, "reading the headers that were written");
+    check(error, "reading back the headers of the movie");
     return !ended || layout.end() == layout.fileLength;
 }
 
@@ -112,11 +112,13 @@ SaveResult copied(const std::function<void(SaveResult&)>& copy) {
     SaveResult result;
     try {
         copy(result);
-    } catch (SaveFailure& failure) {
-        failure.what += "; no copy was made";
+    } catch (const SaveFailure& failure) {
         result.failure = failure;
     }
-    if (result.failure) result.outcome = SaveResult::Outcome::Failed;
+    if (result.failure) {
+        result.failure->what += "; no copy was made";
+        result.outcome = SaveResult::Outcome::Failed;
+    }
     return result;
 }
 
@@ -128,7 +130,11 @@ SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options, FileSystem
     SaveResult result;
     FileTransaction transaction(files);
     result.failure = transaction.open(*asset.assetURL(), *asset.fileIdentity());
-    if (result.failure || !isToBeSaved(result, asset, transaction.file(), options)) return result;
+    if (result.failure) return result;
+    if (!isToBeSaved(result, asset, transaction.file(), options)) {
+        if (result.failure) result.failure->what += "; the movie is as it was";
+        return result;
+    }
 
     result.failure = transaction.apply(result.plan.change(),
                                        {.progress = options.progress, .verify = [&](File& file) {
