@@ -7,13 +7,16 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <limits>
+#include <string>
 #include <utility>
 #include <vector>
 
 #ifdef __linux__
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/xattr.h>
 #endif
 
 namespace vexqt {
@@ -177,6 +180,24 @@ ssize_t copyInKernel(int from, int to, off_t offset, std::size_t count) {
 #endif
 }
 
+/// Copies the tags and comments that people have given a file, as far as the file systems take
+/// them.
+void copyAttributes(int from, int to) {
+#ifdef __linux__
+    std::string names(
+        static_cast<std::size_t>(std::max<ssize_t>(::flistxattr(from, nullptr, 0), 0)), '\0');
+    const ssize_t length = ::flistxattr(from, names.data(), names.size());
+    names.resize(static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    Bytes value(std::size_t{64} << 10);  // None is longer.
+    for (std::size_t at = 0; at < names.size(); at += std::strlen(names.c_str() + at) + 1) {
+        const char* const name = names.c_str() + at;
+        if (!std::string_view(name).starts_with("user.")) continue;
+        const ssize_t count = ::fgetxattr(from, name, value.data(), value.size());
+        if (count >= 0) ::fsetxattr(to, name, value.data(), static_cast<std::size_t>(count), 0);
+    }
+#endif
+}
+
 /// Copies the ranges of a file that hold data; the rest of the new one stays a hole.
 class Copier {
 public:
@@ -274,6 +295,7 @@ public:
         if (error) return nullptr;
         try {
             copyPermissions(*source, *target, error);
+            copyAttributes(source->descriptor(), target->descriptor());
             if (!error) Copier(*source, *target, progress).copy(error);
         } catch (...) {  // Of the progress, or for want of memory.
             ::unlink(to.c_str());

@@ -97,7 +97,8 @@ public:
     /// that name.
     virtual std::unique_ptr<File> createPrivate(const std::filesystem::path& path,
                                                 std::error_code& error) = 0;
-    /// A new file with the bytes and permissions of another, open for reading and writing.
+    /// A new file with the bytes, permissions and extended attributes of another, open for reading
+    /// and writing.
     /// Blocks are shared where the system can, holes stay holes. After an error nothing is left of
     /// it. The new file must not exist yet.
     virtual std::unique_ptr<File> copy(const std::filesystem::path& from,
