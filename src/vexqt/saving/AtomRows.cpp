@@ -15,15 +15,20 @@ std::optional<Bytes> encodedRow(const Field& row, const Record& record) {
     return out.release();
 }
 
+std::span<const Field> propertiesOf(const AtomClass& cls, const Field& row) {
+    const auto all = cls.fields;
+    if (!row.name.empty()) return std::span(&row, 1);
+    auto end = static_cast<std::size_t>(&row - all.data()) + 1;
+    // One row may stand in several forms, of which one is in the file.
+    while (end < all.size() && all[end].decode == row.decode) ++end;
+    const std::size_t begin = end;
+    while (end < all.size() && all[end].decode == nullptr) ++end;
+    return all.subspan(begin, end - begin);
+}
+
 std::string_view nameOfRow(const AtomClass& cls, const Field& row) {
-    if (!row.name.empty()) return row.name;
-    // Properties that an irregular row reads and writes stand right behind it.
-    bool isBehind = false;
-    for (const Field& each : cls.fields) {
-        if (isBehind && each.decode == nullptr && !each.name.empty()) return each.name;
-        if (isBehind && each.decode != nullptr) break;
-        isBehind = isBehind || &each == &row;
-    }
+    for (const Field& property : propertiesOf(cls, row))
+        if (!property.name.empty()) return property.name;
     return {};
 }
 

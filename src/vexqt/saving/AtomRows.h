@@ -22,6 +22,10 @@ struct AtomAsRead {
 /// What a row's class writes for a record; absent where the row is not in the file.
 std::optional<Bytes> encodedRow(const Field& row, const Record& record);
 
+/// The properties that a row of the class reads and writes: itself, or those that stand right
+/// behind an irregular one.
+std::span<const Field> propertiesOf(const AtomClass& cls, const Field& row);
+
 /// The name of a row for people: its own, or that of the property whose bytes it holds.
 std::string_view nameOfRow(const AtomClass& cls, const Field& row);
 

@@ -105,9 +105,11 @@ std::optional<Misreading> Comparison::compare(const VexQTAtom& meant, const VexQ
         if (isSame) return std::nullopt;
         return Misreading{path, "its bytes would read back as others"};
     }
+    // Where there is no header the type follows from the fields.
+    const bool hasType = meant.atomClass().header != HeaderRule::None;
     const bool isSameKind = &meant.atomClass() == &readBack.atomClass() &&
                             meant.declinedClass() == readBack.declinedClass() &&
-                            meant.atomTypeString() == readBack.atomTypeString();
+                            (!hasType || meant.atomTypeString() == readBack.atomTypeString());
     if (!isSameKind) {
         const bool isDeclined = readBack.declinedClass() && !meant.declinedClass();
         return Misreading{

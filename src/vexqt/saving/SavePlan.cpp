@@ -231,8 +231,8 @@ void SavePlan::Surgical::addEdits(const Surgery& surgery) {
                                : "'" + std::string(edit.property) + "' was edited";
         if (edit.changesMore)
             what +=
-                ", and bytes beside it that nobody edited change with it: its class cannot "
-                "write the one and leave the others";
+                ", and what stands with it is written anew: the file has it in another form than "
+                "its class writes";
         const Extent extent = edit.atom->extent();
         plan_.add("atom-changes", edit.changesMore ? Severity::Changes : Severity::Note,
                   FileRange{extent.start, extent.length}, std::move(what), pathOf(*edit.atom));

@@ -75,7 +75,7 @@ EditedRow mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView 
         const bool isLonger = !wouldBe.empty() && read.size() > wouldBe.size() &&
                               std::ranges::equal(read.first(wouldBe.size()), wouldBe);
         if (isLonger) append(merged.bytes, read.subspan(wouldBe.size()));
-        merged.isRewritten = !isLonger && !std::ranges::equal(read, wouldBe);
+        merged.isRewritten = !isLonger && !wouldBe.empty() && !std::ranges::equal(read, wouldBe);
         return merged;
     }
 
@@ -102,16 +102,6 @@ EditedRow mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView 
 }
 
 namespace {
-
-/// The properties that a row reads and writes: itself, or those that stand right behind it.
-std::span<const Field> propertiesOf(const AtomClass& cls, const Field& row) {
-    const auto all = cls.fields;
-    const auto index = static_cast<std::size_t>(&row - all.data());
-    if (!row.name.empty() || index >= all.size()) return std::span(&row, 1);
-    std::size_t end = index + 1;
-    while (end < all.size() && all[end].decode == nullptr) ++end;
-    return all.subspan(index + 1, end - index - 1);
-}
 
 /// The name of what was edited of a row, as far as that can be told without decoding pictures.
 std::string_view editedProperty(const AtomClass& cls, const Field& row, const Record& before,

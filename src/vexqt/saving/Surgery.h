@@ -16,7 +16,8 @@ namespace vexqt {
 struct Edit {
     const VexQTAtom* atom = nullptr;
     std::string_view property;  ///< The row's name; empty for what has none, such as a child list.
-    /// Whether bytes of the row change that stand for something nobody edited.
+    /// Whether bytes of the row that stand for something else change as well: the file has it in
+    /// another form than the class writes.
     bool changesMore = false;
 };
 
