@@ -599,7 +599,6 @@ TEST(Fault, OfSavingACopyLeavesTheMovieAndWhatHadTheNameOfTheCopy) {
                 }
                 ASSERT_TRUE(result.failure);
                 expectOneLineThatSaysWhat(*result.failure);
-                EXPECT_NE(result.failure->what.find("; no copy was made"), std::string::npos);
             });
             if (HasFailure()) return;
         }
@@ -657,9 +656,9 @@ TEST(Fault, OfASaveIsTextThatSaysWhatHappened) {
     EXPECT_EQ(textOf(false, "read", 0),
               "reading the headers of the movie: No space left on device; the movie is as it was");
     EXPECT_EQ(textOf(true, "write", 0),
-              "writing 3 bytes at 49 of the copy: No space left on device; no copy was made");
+              "writing 3 bytes at 49 of the copy: No space left on device");
     EXPECT_EQ(textOf(true, "copy", 0),
-              "copying " + movie.path.string() + ": No space left on device; no copy was made");
+              "copying " + movie.path.string() + ": No space left on device");
 }
 
 }  // namespace

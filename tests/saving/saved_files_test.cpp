@@ -188,7 +188,7 @@ TEST_F(MovieFiles, ArePipesAndDevicesNeverToBeSavedInto) {
     ASSERT_EQ(::mkfifo((movies / "pipe").c_str(), 0600), 0);
     for (const fs::path& target : {movies / "pipe", fs::path("/dev/null"), movies}) {
         EXPECT_EQ(copyThrough(target, setTimeScale).outcome, Outcome::Failed) << target;
-        EXPECT_EQ(told.find(target.string() + " is no regular file"), 0U) << told;
+        EXPECT_EQ(told, "is no regular file") << target;
     }
     // A pipe that takes the place of the movie once that was read. Nobody is at its other end.
     const auto asset = read(path, setTimeScale);

@@ -14,10 +14,10 @@ Draft::Draft(FileSystem& files, const fs::path& target, const std::optional<File
     if (!there) return;
     if (original && there->isSameFile(*original))
         throw SaveFailure{.code = std::make_error_code(std::errc::file_exists),
-                          .what = target.string() + " is the movie itself; save it in place"};
+                          .what = "is the movie itself; save it in place"};
     if (!there->isRegular)
         throw SaveFailure{.code = std::make_error_code(std::errc::not_supported),
-                          .what = target.string() + " is no regular file"};
+                          .what = "is no regular file"};
     target_ = files_.resolve(target, error);
     check(error, "finding " + target.string());
 }

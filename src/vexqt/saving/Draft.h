@@ -15,7 +15,8 @@ namespace vexqt {
 class Draft {
 public:
     /// A symbolic link stays one: what it leads to will be replaced. Fails where the target is no
-    /// regular file, or the original itself under any name.
+    /// regular file, or the original itself under any name; that is said without the name, for
+    /// those who put it in front.
     Draft(FileSystem& files, const std::filesystem::path& target,
           const std::optional<FileIdentity>& original = std::nullopt);
     ~Draft();

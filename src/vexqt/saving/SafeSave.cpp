@@ -115,10 +115,7 @@ SaveResult copied(const std::function<void(SaveResult&)>& copy) {
     } catch (const SaveFailure& failure) {
         result.failure = failure;
     }
-    if (result.failure) {
-        result.failure->what += "; no copy was made";
-        result.outcome = SaveResult::Outcome::Failed;
-    }
+    if (result.failure) result.outcome = SaveResult::Outcome::Failed;
     return result;
 }
 
