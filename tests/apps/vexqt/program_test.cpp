@@ -89,7 +89,8 @@ TEST_F(Program, AFullDiskFailsTheCopy) {
     const Outcome outcome = shell(
         folder_, "trap '' XFSZ; ulimit -f 100; $V set $D/long.mov moov.abcd.version=1 -o $D/o.mov");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errors, said(path("o.mov"), "File too large"));
+    EXPECT_EQ(outcome.errors,
+              said(path("o.mov"), "copying " + path("long.mov") + ": File too large"));
     EXPECT_FALSE(std::filesystem::exists(path("o.mov")));
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_.path()), {}), 2);
 }
