@@ -2,6 +2,8 @@
 
 #include <unistd.h>
 
+#include <new>
+
 namespace vexqt {
 
 namespace fs = std::filesystem;
@@ -23,9 +25,13 @@ Draft::Draft(FileSystem& files, const fs::path& target, const std::optional<File
 }
 
 Draft::~Draft() {
-    std::error_code ignored;
-    file_.reset();
-    if (isOurs_) files_.remove(path_, ignored);
+    if (!isOurs_) return;
+    try {
+        std::error_code ignored;
+        files_.remove(path_, ignored);
+    } catch (const std::bad_alloc&) {
+        // Files that take memory to be removed, such as those in memory.
+    }
 }
 
 /// A name that another process, or one that was killed, has left here is passed over.
@@ -45,10 +51,10 @@ void Draft::make(const std::string& doing, const Make& makeFile) {
         path_ = target_.parent_path() / ("." + name + ".vexqt-" + std::to_string(::getpid()) + "-" +
                                          std::to_string(number));
         file_ = makeFile(path_, error);
+        isOurs_ = file_ != nullptr;
         if (file_ || error != std::errc::file_exists) break;
     }
     check(error, doing);
-    isOurs_ = true;
     named_.emplace(*file_, "the copy");
 }
 
@@ -67,11 +73,12 @@ void Draft::copy(const fs::path& from, const CopyProgress& progress) {
 
 std::optional<std::string> Draft::finish() {
     named_->flush();
+    // Made beforehand: a copy that has its name is a copy that was made.
+    const fs::path folder = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
     std::error_code error;
     files_.rename(path_, target_, error);
-    check(error, "giving the copy its name " + target_.string());
+    if (error) check(error, "giving the copy its name " + target_.string());
     isOurs_ = false;
-    const fs::path folder = target_.has_parent_path() ? target_.parent_path() : fs::path(".");
     files_.flushDirectory(folder, error);
     if (!error) return std::nullopt;
     return "flushing " + folder.string() + ": " + error.message() +

@@ -29,6 +29,8 @@ public:
     NamedFile& file() { return *named_; }
     /// Flushes it and gives it its name. Returns what a person should know all the same.
     std::optional<std::string> finish();
+    /// Whether it has its name.
+    bool isFinished() const { return file_ != nullptr && !isOurs_; }
 
 private:
     template <class Make>

@@ -1,6 +1,6 @@
 #include "vexqt/saving/SafeSave.h"
 
-#include <cstring>
+#include <new>
 
 #include "vexqt/saving/Draft.h"
 #include "vexqt/saving/FileTransaction.h"
@@ -98,7 +98,11 @@ void finish(Draft& draft, SaveResult& result) {
         throw SaveFailure{.code = std::make_error_code(std::errc::io_error),
                           .what = "what was written does not read back as it was meant",
                           .reason = SaveFailure::Reason::NotAsMeant};
-    if (auto note = draft.finish()) result.notes.push_back(std::move(*note));
+    try {
+        if (auto note = draft.finish()) result.notes.push_back(std::move(*note));
+    } catch (const std::bad_alloc&) {
+        if (!draft.isFinished()) throw;  // Or there is no memory for a note.
+    }
     result.outcome = SaveResult::Outcome::Saved;
 }
 
@@ -133,14 +137,23 @@ SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options, FileSystem
         return result;
     }
 
+    std::vector<std::string> noteWithoutMemory = {
+        "there was no memory left to keep the record with which this save could be undone"};
     result.failure = transaction.apply(result.plan.change(),
                                        {.progress = options.progress, .verify = [&](File& file) {
                                             return isAsPlanned(result.plan, file);
                                         }});
-    result.notes = transaction.notes();
     result.outcome = result.failure ? SaveResult::Outcome::Failed : SaveResult::Outcome::Saved;
-    if (!result.failure && options.undo != nullptr)
-        if (auto note = options.undo->keep(transaction)) result.notes.push_back(std::move(*note));
+    if (result.failure) return result;
+    // Whatever happens from here on, the movie is saved and must be said to be.
+    try {
+        result.notes = transaction.notes();
+        if (options.undo != nullptr)
+            if (auto note = options.undo->keep(transaction))
+                result.notes.push_back(std::move(*note));
+    } catch (const std::bad_alloc&) {
+        if (options.undo != nullptr) result.notes.swap(noteWithoutMemory);
+    }
     return result;
 }
 
