@@ -6,6 +6,8 @@
 #include "vexqt/asset/VexQTAsset.h"
 #include "vexqt/atoms/headers/VexQTmvhdAtom.h"
 #include "vexqt/atoms/headers/VexQTtkhdAtom.h"
+#include "vexqt/atoms/metadata/VexQTUserDataDirectTextItem.h"
+#include "vexqt/atoms/metadata/VexQTUserDataTextItem.h"
 #include "vexqt/atoms/metadata/VexQTkeysAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTftabAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTmebxkeysAtom.h"
@@ -367,6 +369,27 @@ TEST(FontTable, LeavesTheFontsThatNobodyEditedAsTheyWereRead) {
         VexQTftabAtom::initWithData(table(join({u16(2), u8(4), text("Mono")})), nullptr, 0);
     fonts->fontTableEntries()[1].setFontName("Sans serif");
     EXPECT_EQ(surgical(*fonts), table(join({u16(2), u8(10), text("Sans serif")})));
+}
+
+TEST(TextsOfUserData, StayBehindTheOneThatIsRead) {
+    const auto texts = [](std::string_view first) {
+        return atom(0xA96E616D, {u16(static_cast<std::uint16_t>(first.size())), u16(1), text(first),
+                                 u16(5), u16(2), text("titre")});
+    };
+    const auto item = VexQTUserDataTextItem::initWithData(texts("title"), nullptr, 0);
+    item->setText("any other");
+    EXPECT_EQ(surgical(*item), texts("any other"));
+    item->setText("abc");
+    EXPECT_EQ(surgical(*item), texts("abc"));
+}
+
+TEST(LongText, IsReplacedWithThatOfItWhichItsClassDoesNotRead) {
+    // Of the length the low 16 bits count.
+    const Bytes packet = atom("XMP_"_os, {Bytes(65536 + 700, 'x')});
+    const auto item = VexQTUserDataDirectTextItem::initWithData(packet, nullptr, 0);
+    ASSERT_EQ(item->text(), std::string(700, 'x'));
+    item->setText("a new packet");
+    EXPECT_EQ(surgical(*item), atom("XMP_"_os, {text("a new packet")}));
 }
 
 // MARK: Rows

@@ -1,5 +1,6 @@
 // Every operation of a save, a recovery and an undo fails, once and for good.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <iostream>
 #include <set>
@@ -607,6 +608,31 @@ TEST(Fault, OfSavingACopyLeavesTheMovieAndWhatHadTheNameOfTheCopy) {
               (std::set<std::string>{"identityOf", "resolve", "openForReading", "identity", "read",
                                      "copy", "create", "write", "truncate", "flush", "rename"}));
     std::cout << "[  FAULTS  ] " << faults << "\n";
+}
+
+TEST(Copy, ThatIsRefusedCopiesNothingFirst) {
+    EditedMovie movie;
+    const SaveCase refused = {
+        "", SavePlan::Way::Move,
+        join({kFileType, testing::movie(8), atom("moof"_os, {atom("mfhd"_os, {u32(1)})}), kMedia}),
+        grow(40)};
+    FaultyFileSystem& files = movie.fresh(refused);
+    const SaveResult result = saveCopy(*movie.asset, movie.folder / "b.mov", {}, files);
+    EXPECT_EQ(result.outcome, SaveResult::Outcome::Refused);
+    EXPECT_EQ(std::ranges::count(files.operations, "copy"), 0);
+    EXPECT_EQ(std::ranges::count(files.operations, "write"), 0);
+}
+
+TEST(Copy, PassesOverWhatAKilledProcessOfTheSameNumberHasLeft) {
+    EditedMovie movie;
+    FaultyFileSystem& files = movie.fresh(saveCases()[0]);
+    const fs::path copy = movie.path.parent_path() / "b.mov";
+    const fs::path left =
+        movie.path.parent_path() / (".b.mov.vexqt-" + std::to_string(::getpid()) + "-0");
+    movie.memory->put(left, zeros(9));
+    EXPECT_EQ(saveCopy(*movie.asset, copy, {}, files).outcome, SaveResult::Outcome::Saved);
+    EXPECT_EQ(movie.others(), (std::set<fs::path>{copy, left}));
+    EXPECT_EQ(movie.memory->bytes(left), zeros(9));
 }
 
 TEST(Fault, OfWritingAWholeFileLeavesWhatHadItsName) {

@@ -8,6 +8,22 @@ AtomAsRead::AtomAsRead(const VexQTAtom& atom) : bytes(atom.origin()) {
     record = VexQTAtom::make(atom.atomClass(), bytes, atom.parent(), atom.offsetInFile(), context);
 }
 
+std::unique_ptr<VexQTAtom> AtomAsRead::withRow(const Survey::Part& part, ByteView rowBytes) const {
+    ByteWriter out;
+    out.append(bytes.view().first(part.start));
+    out.append(rowBytes);
+    out.append(bytes.view().subspan(part.end));
+    Survey otherSurvey;
+    std::vector<Problem> ignored;
+    ReadContext context(otherSurvey, ignored);
+    try {
+        return VexQTAtom::make(record->atomClass(), SharedBytes::copyOf(out.view()),
+                               record->parent(), record->offsetInFile(), context);
+    } catch (const Error&) {
+        return nullptr;
+    }
+}
+
 std::optional<Bytes> encodedRow(const Field& row, const Record& record) {
     if (row.encode == nullptr || !isPresent(row, record)) return std::nullopt;
     ByteWriter out;

@@ -14,6 +14,10 @@ struct AtomAsRead {
         return bytes.part(start, end - start);
     }
 
+    /// The same atom as it would be read if one of its rows had other bytes; null where its class
+    /// would not take it.
+    std::unique_ptr<VexQTAtom> withRow(const Survey::Part& part, ByteView rowBytes) const;
+
     SharedBytes bytes;
     Survey survey;
     std::unique_ptr<VexQTAtom> record;

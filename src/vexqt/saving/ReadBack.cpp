@@ -61,22 +61,8 @@ bool Comparison::hasMeantBytes(const Field& row, const VexQTAtom& meant,
 /// Whether a row that was read back has the value that it would have if its bytes were the class's
 /// own.
 bool Comparison::readsAsWritten(const Field& row, ByteView written, const AtomAsRead& readBack) {
-    const Survey::Part* there = partOf(row, readBack);
-    ByteWriter bytes;
-    bytes.append(readBack.part(0, there->start).view());
-    bytes.append(written);
-    bytes.append(readBack.part(there->end, readBack.bytes.size()).view());
-    Survey survey;
-    std::vector<Problem> ignored;
-    ReadContext context(survey, ignored);
-    try {
-        const auto record =
-            VexQTAtom::make(readBack.record->atomClass(), SharedBytes::copyOf(bytes.view()),
-                            readBack.record->parent(), 0, context);
-        return record && writtenRow(row, *record) == writtenRow(row, *readBack.record);
-    } catch (const Error&) {
-        return false;
-    }
+    const auto record = readBack.withRow(*partOf(row, readBack), written);
+    return record && writtenRow(row, *record) == writtenRow(row, *readBack.record);
 }
 
 /// The name of the first row that does not read as it was meant; absent where all of them do.

@@ -219,6 +219,18 @@ private:
     bool isKnown_ = false;
 };
 
+/// Whether what was kept behind a value is no part of it, to judge by its first byte and by all of
+/// it. Of a text without an end of its own that is too long for its class to read it is one.
+bool isApart(ByteView kept, ByteView value, const Survey::Part& part, const AtomAsRead& read) {
+    const auto readAs = [&](ByteView bytes) -> std::optional<Bytes> {
+        const auto record = read.withRow(part, bytes);
+        return record ? encodedRow(*part.row, *record) : std::nullopt;
+    };
+    const auto alone = readAs(value);
+    if (!alone) return true;  // It is too short to stand alone.
+    return readAs(kept.first(value.size() + 1)) == alone && readAs(kept) == alone;
+}
+
 }  // namespace
 
 std::optional<EditedRow> editedRow(const Survey::Part& part, const AtomAsRead& read,
@@ -242,6 +254,8 @@ std::optional<EditedRow> editedRow(const Survey::Part& part, const AtomAsRead& r
         if (entries.isKnown()) return entries.merged(before, after);
     }
     EditedRow merged = mergedRow(row, read.part(part.start, part.end).view(), before, after);
+    if (merged.bytes.size() > after.size() && !isApart(merged.bytes, after, part, read))
+        merged = {.bytes = Bytes(after.begin(), after.end()), .isRewritten = true};
     // Where the row is one value, all that was written anew is what was edited.
     const bool isOneValue = properties.size() == 1 && properties.front().list == nullptr;
     if (isOneValue) merged.isRewritten = false;
