@@ -90,11 +90,12 @@ void SavePlan::checkNewAtoms(const VexQTAsset& asset) {
         }
         const AtomClass& cls = made.atom->atomClass();
         auto wrong = strictFailure(cls, bytes, offset, path);
-        const SharedBytes& was = made.atom->origin();
-        const bool wasReadable =
-            was.size() == 0 || !strictFailure(cls, was, made.atom->offsetInFile(), path);
+        if (!wrong) continue;
         // A surgical save is not to blame for what was so before.
-        if (!wrong || (form_ == SaveForm::Surgical && !wasReadable)) continue;
+        const SharedBytes& was = made.atom->origin();
+        const bool wasUnreadable =
+            was.size() != 0 && strictFailure(cls, was, made.atom->offsetInFile(), path);
+        if (form_ == SaveForm::Surgical && wasUnreadable) continue;
         add("unreadable-after", Severity::Destroys, range,
             "a strict reading of what is written fails: " + wrong->message, std::move(wrong->path));
     }
