@@ -22,6 +22,7 @@ if(type STREQUAL "STATIC_LIBRARY")
     "include(CMakeFindDependencyMacro)\n"
     "find_dependency(ICU COMPONENTS uc i18n)\n"
     "find_dependency(JPEG)\n"
+    "find_dependency(OpenSSL COMPONENTS Crypto)\n"
     "find_dependency(PNG)\n")
 endif()
 configure_package_config_file(

@@ -95,6 +95,7 @@
 #include "vexqt/core/os_type.h"
 #include "vexqt/core/table.h"
 #include "vexqt/platform/Color.h"
+#include "vexqt/platform/Digest.h"
 #include "vexqt/platform/MemoryFileSystem.h"
 #include "vexqt/platform/Picture.h"
 #include "vexqt/platform/bytes_types.h"
