@@ -551,6 +551,16 @@ TEST(Atom, SettingWhatIsWorkedOutIsAnUndefinedKeyError) {
     }
 }
 
+TEST(Atom, SettingAValueOfTheWrongKindNamesTheKey) {
+    VexQTAtom atom;
+    try {
+        atom.setValueForKey("2", "version");
+        ADD_FAILURE() << "a text was taken for a number";
+    } catch (const ValueError& error) {
+        EXPECT_STREQ(error.what(), "version: a value of the wrong kind");
+    }
+}
+
 TEST(Atom, SettingAValueOfTheWrongKindIsAValueErrorAndChangesNothing) {
     VexQTAtom atom;
     EXPECT_THROW(atom.setValueForKey("2", "version"), ValueError);

@@ -488,7 +488,11 @@ Value VexQTAtom::valueForKeyPath(std::string_view keyPath) const {
 void VexQTAtom::setValueForKey(const Value& value, std::string_view key) {
     const Field* property = propertyNamed(key);
     if (property == nullptr || property->set == nullptr) throw UndefinedKeyError(key);
-    property->set(*this, value);
+    try {
+        property->set(*this, value);
+    } catch (const ValueError& error) {
+        throw ValueError(key, error.message());
+    }
 }
 
 void VexQTAtom::setNilValueForKey(std::string_view key) { setValueForKey({}, key); }

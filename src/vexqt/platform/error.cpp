@@ -33,4 +33,7 @@ RangeError::RangeError(const std::string& message, std::uint64_t offset, std::ui
 UndefinedKeyError::UndefinedKeyError(std::string_view key)
     : Error("no property " + std::string(key)) {}
 
+ValueError::ValueError(std::string_view key, const std::string& message)
+    : Error(std::string(key) + ": " + message) {}
+
 }  // namespace vexqt

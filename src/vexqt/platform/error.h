@@ -90,6 +90,8 @@ public:
 class ValueError : public Error {
 public:
     using Error::Error;
+    /// Names the property: "timeScale: a value of the wrong kind".
+    ValueError(std::string_view key, const std::string& message);
 };
 
 /// What an atom holds has no form in the file.
