@@ -139,7 +139,9 @@ Value codeFrom(std::string_view text) {
 }
 
 Value unsignedFrom(const Field& field, std::string_view text) {
-    const std::uint64_t most = maskOf(bitsOf(field));
+    const std::uint64_t most = field.range.isKnown()
+                                   ? static_cast<std::uint64_t>(field.range.end) - 1
+                                   : maskOf(bitsOf(field));
     const bool isHex = text.starts_with("0x") || text.starts_with("0X");
     const auto number =
         isHex ? wholly<std::uint64_t>(text.substr(2), 16) : wholly<std::uint64_t>(text, 10);
@@ -149,6 +151,9 @@ Value unsignedFrom(const Field& field, std::string_view text) {
 
 /// Hexadecimal digits are the bits of the number: 0xFFFFFFFF is -1 in 32 bits.
 Value signedFrom(const Field& field, std::string_view text) {
+    // Without a sign in the file, whatever it is held in.
+    if (field.range.isKnown() && field.range.least == 0)
+        return static_cast<std::int64_t>(*integerFrom(unsignedFrom(field, text)));
     const int bits = bitsOf(field);
     const auto most = static_cast<std::int64_t>(maskOf(bits) >> 1);
     if (text.starts_with("0x") || text.starts_with("0X")) {
@@ -161,6 +166,17 @@ Value signedFrom(const Field& field, std::string_view text) {
     const auto number = wholly<std::int64_t>(text, 10);
     if (!number || *number > most || *number < -most - 1)
         expected(fmt::format("a whole number from {} to {}", -most - 1, most), text);
+    return *number;
+}
+
+/// Fixed-point numbers would lose their highest bits silently.
+double floatingFrom(NumberRange range, std::string_view text) {
+    const auto number = floatingFrom(text);
+    if (!range.isKnown()) {
+        if (!number) expected("a number", text);
+    } else if (!number || !range.has(*number)) {
+        expected(fmt::format("a number from {} to less than {}", range.least, range.end), text);
+    }
     return *number;
 }
 
@@ -260,6 +276,14 @@ Value matrixFrom(std::string_view text) {
     Matrix matrix{};
     if (!numbers || numbers->size() != matrix.size()) expected("a matrix of nine numbers", text);
     std::ranges::copy(*numbers, matrix.begin());
+    for (std::size_t i = 0; i < matrix.size(); ++i) {
+        const bool isInThirdColumn = i % 3 == 2;
+        const NumberRange range = isInThirdColumn ? SignedFixed230::range : SignedFixed1616::range;
+        if (range.has(matrix[i])) continue;
+        expected(fmt::format("a matrix with numbers from {} to less than {} in its {}", range.least,
+                             range.end, isInThirdColumn ? "third column" : "first two columns"),
+                 text);
+    }
     return matrix;
 }
 
@@ -289,8 +313,7 @@ Value valueFromText(const Field& field, std::string_view text) {
         case ValueKind::Color:
             return colorFrom(text);
         case ValueKind::Floating:
-            if (const auto number = floatingFrom(text)) return *number;
-            expected("a number", text);
+            return floatingFrom(field.range, text);
         case ValueKind::Instant:
             return dateFrom(field, text);
         case ValueKind::Picture:

@@ -3,6 +3,7 @@
 #include <cassert>
 
 #include "vexqt/core/ContainerAtom.h"
+#include "vexqt/core/codecs.h"
 
 namespace vexqt {
 
@@ -42,15 +43,24 @@ struct VexQTAtom::Layout {
         accessors<&Atom::flags0, &Atom::setFlags0>("flags0").as(Display::Hexadecimal),
         accessors<&Atom::flags1, &Atom::setFlags1>("flags1").as(Display::Hexadecimal),
         accessors<&Atom::flags2, &Atom::setFlags2>("flags2").as(Display::Hexadecimal),
-        accessors<&Atom::matrixAValue, &Atom::setMatrixAValue>("matrixAValue"),
-        accessors<&Atom::matrixBValue, &Atom::setMatrixBValue>("matrixBValue"),
-        accessors<&Atom::matrixUValue, &Atom::setMatrixUValue>("matrixUValue"),
-        accessors<&Atom::matrixCValue, &Atom::setMatrixCValue>("matrixCValue"),
-        accessors<&Atom::matrixDValue, &Atom::setMatrixDValue>("matrixDValue"),
-        accessors<&Atom::matrixVValue, &Atom::setMatrixVValue>("matrixVValue"),
-        accessors<&Atom::matrixXValue, &Atom::setMatrixXValue>("matrixXValue"),
-        accessors<&Atom::matrixYValue, &Atom::setMatrixYValue>("matrixYValue"),
-        accessors<&Atom::matrixWValue, &Atom::setMatrixWValue>("matrixWValue"),
+        accessors<&Atom::matrixAValue, &Atom::setMatrixAValue>("matrixAValue")
+            .within(SignedFixed1616::range),
+        accessors<&Atom::matrixBValue, &Atom::setMatrixBValue>("matrixBValue")
+            .within(SignedFixed1616::range),
+        accessors<&Atom::matrixUValue, &Atom::setMatrixUValue>("matrixUValue")
+            .within(SignedFixed230::range),
+        accessors<&Atom::matrixCValue, &Atom::setMatrixCValue>("matrixCValue")
+            .within(SignedFixed1616::range),
+        accessors<&Atom::matrixDValue, &Atom::setMatrixDValue>("matrixDValue")
+            .within(SignedFixed1616::range),
+        accessors<&Atom::matrixVValue, &Atom::setMatrixVValue>("matrixVValue")
+            .within(SignedFixed230::range),
+        accessors<&Atom::matrixXValue, &Atom::setMatrixXValue>("matrixXValue")
+            .within(SignedFixed1616::range),
+        accessors<&Atom::matrixYValue, &Atom::setMatrixYValue>("matrixYValue")
+            .within(SignedFixed1616::range),
+        accessors<&Atom::matrixWValue, &Atom::setMatrixWValue>("matrixWValue")
+            .within(SignedFixed230::range),
         derived<&Atom::unknownData>("unknownData"),
         derived<&Atom::hexRepresentation>("hexRepresentation"),
         derived<&Atom::declinedClass>("declinedClass"),

@@ -51,6 +51,7 @@ struct Hex : Integer {
 /// A negative whole number reads one lower than it was written: 0xFFFF0000 reads as -2.0.
 struct SignedFixed1616 {
     static constexpr std::size_t width = 4;
+    static constexpr NumberRange range = {-32768, 32768};
     static double read(ByteReader& in) {
         return ValueCodecs::signedFixed1616ToDouble(static_cast<std::int32_t>(in.u32()));
     }
@@ -62,6 +63,7 @@ struct SignedFixed1616 {
 /// As SignedFixed1616, and only the low 16 bits of the fraction are read or written.
 struct SignedFixed230 {
     static constexpr std::size_t width = 4;
+    static constexpr NumberRange range = {-2, 2};
     static double read(ByteReader& in) {
         return ValueCodecs::signedFixed230ToDouble(static_cast<std::int32_t>(in.u32()));
     }
@@ -72,6 +74,7 @@ struct SignedFixed230 {
 
 struct UnsignedFixed88 {
     static constexpr std::size_t width = 2;
+    static constexpr NumberRange range = {0, 256};
     static double read(ByteReader& in) { return ValueCodecs::unsignedFixed88ToDouble(in.u16()); }
     static void write(ByteWriter& out, double value) {
         out.u16(static_cast<std::uint16_t>(ValueCodecs::doubleToUnsignedFixed88(value)));
@@ -80,6 +83,7 @@ struct UnsignedFixed88 {
 
 struct UnsignedFixed1616 {
     static constexpr std::size_t width = 4;
+    static constexpr NumberRange range = {0, 65536};
     static double read(ByteReader& in) { return ValueCodecs::unsignedFixed1616ToDouble(in.u32()); }
     static void write(ByteWriter& out, double value) {
         out.u32(ValueCodecs::doubleToUnsignedFixed1616(value));

@@ -45,6 +45,15 @@ enum class Display : std::uint8_t {
 
 struct Field;
 
+/// The numbers that a field has room for, from the least up to the end, which is the first that is
+/// too large.
+struct NumberRange {
+    double least = 0, end = 0;
+
+    constexpr bool isKnown() const { return least < end; }
+    constexpr bool has(double number) const { return least <= number && number < end; }
+};
+
 /// How a list property is walked and edited by those who do not know its entries' class.
 struct ListAccess {
     /// Those of an entry; one column without a name where the list holds plain numbers.
@@ -68,7 +77,8 @@ struct Field {
     std::string_view name = {};  ///< The property's name; empty for bytes that are none.
     std::size_t width = 0;       ///< Bytes in the file; 0 where the length varies.
     ValueKind kind = ValueKind::None;
-    std::uint8_t bits = 0;  ///< Of an integer or a floating number.
+    std::uint8_t bits = 0;   ///< Of an integer or a floating number.
+    NumberRange range = {};  ///< Where bits and width do not tell: of a fixed-point number.
     Display display = Display::Plain;
     std::string_view unit = {};  ///< "seconds", "pixels"; empty where there is none.
     bool isOptional = false;     ///< Whether it can be absent.
@@ -93,6 +103,11 @@ struct Field {
     constexpr Field as(Display theDisplay) const {
         Field row = *this;
         row.display = theDisplay;
+        return row;
+    }
+    constexpr Field within(NumberRange theRange) const {
+        Field row = *this;
+        row.range = theRange;
         return row;
     }
     constexpr Field holdingChildren() const {
@@ -234,6 +249,7 @@ constexpr Field field(std::string_view name) {
     Field row = property<Member>(name);
     row.width = Codec::width;
     if constexpr (requires { Codec::display; }) row.display = Codec::display;
+    if constexpr (requires { Codec::range; }) row.range = Codec::range;
     row.decode = [](Record& record, AtomReader& in) {
         static_cast<Owner&>(record).*Member = static_cast<Type>(Codec::read(in));
     };

@@ -212,6 +212,23 @@ TEST_F(EditCommands, AValueThatDoesNotFitIsStatusTwo) {
          "moov.trak.mdia.mdhd.language: a whole number from 0 to 65535 expected, not '65536'"},
         {"moov.mvhd.version=256",
          "moov.mvhd.version: a whole number from 0 to 255 expected, not '256'"},
+        {"moov.mvhd.preferredRate=32768",
+         "moov.mvhd.preferredRate: a number from -32768 to less than 32768 expected, not '32768'"},
+        {"moov.mvhd.preferredRate=-32768.5",
+         "moov.mvhd.preferredRate: a number from -32768 to less than 32768 expected, not "
+         "'-32768.5'"},
+        {"moov.mvhd.preferredVolume=256",
+         "moov.mvhd.preferredVolume: a number from 0 to less than 256 expected, not '256'"},
+        {"moov.trak.tkhd.trackWidth=-1",
+         "moov.trak.tkhd.trackWidth: a number from 0 to less than 65536 expected, not '-1'"},
+        {"moov.mvhd.matrix=1 0 0 0 1 0 40000 0 1",
+         "moov.mvhd.matrix: a matrix with numbers from -32768 to less than 32768 in its first two "
+         "columns expected, not '1 0 0 0 1 0 40000 0 1'"},
+        {"moov.mvhd.matrix=1 0 0 0 1 0 0 0 2",
+         "moov.mvhd.matrix: a matrix with numbers from -2 to less than 2 in its third column "
+         "expected, not '1 0 0 0 1 0 0 0 2'"},
+        {"moov.mvhd.matrixWValue=2",
+         "moov.mvhd.matrixWValue: a number from -2 to less than 2 expected, not '2'"},
         {"moov.mvhd.size=1", "moov.mvhd.size: this cannot be set"},
         {"moov.mvhd.timeScale", "'moov.mvhd.timeScale' is no assignment: KEY=VALUE"},
         {"moov..mvhd=1", "'moov..mvhd' is no path: a name is missing at 6"},

@@ -20,6 +20,14 @@ const Field kCode =
 const Field kFlags =
     Field{.name = "flags", .kind = ValueKind::Unsigned, .bits = 16}.as(Display::Hexadecimal);
 const Field kDouble = {.name = "double", .kind = ValueKind::Floating, .bits = 64};
+/// A whole number that has half of its four bytes, and one with a sign in memory that has none
+/// in the file.
+const Field kHalf =
+    Field{.name = "half", .width = 4, .kind = ValueKind::Unsigned, .bits = 32}.within({0, 65536});
+const Field kSide =
+    Field{.name = "side", .width = 2, .kind = ValueKind::Signed, .bits = 32}.within({0, 65536});
+const Field kFixed =
+    Field{.name = "fixed", .kind = ValueKind::Floating, .bits = 64}.within({-2, 2});
 const Field kBoolean = {.name = "boolean", .kind = ValueKind::Boolean, .bits = 8};
 const Field kText = {.name = "text", .kind = ValueKind::Text, .isOptional = true};
 const Field kDate = {.name = "date", .width = 4, .kind = ValueKind::Instant, .isOptional = true};
@@ -56,6 +64,10 @@ TEST(ValueText, TextsStandForValuesOfTheirKind) {
         {kLong, "0xFFFFFFFFFFFFFFFF", -1},
         {kUnsignedLong, "18446744073709551615", std::numeric_limits<std::uint64_t>::max()},
         {kThreeBytes, "16777215", 0xFFFFFFU},
+        {kHalf, "65535", 65535U},
+        {kSide, "0xFFFF", 65535},
+        {kFixed, "-2", -2.0},
+        {kFixed, "1.99999999", 1.99999999},
         {kCode, "vide", std::uint64_t{"vide"_os}},
         {kCode, "qt  ", std::uint64_t{"qt  "_os}},
         {kCode, "????", std::uint64_t{kAnyType}},
@@ -80,7 +92,7 @@ TEST(ValueText, TextsStandForValuesOfTheirKind) {
         {kBytes, "00 01 ", Bytes{0x00, 0x01}},
         {kBytes, "", Bytes{}},
         {kBytes, "null", Value()},
-        {kMatrix, "1 2 3 4 5 6 7 8 9", Matrix{1, 2, 3, 4, 5, 6, 7, 8, 9}},
+        {kMatrix, "1 2 0.5 4 5 -2 7 8 1", Matrix{1, 2, 0.5, 4, 5, -2, 7, 8, 1}},
         {kMatrix, "[1, 0, 0, 0, -1, 0, 0.5,0 , 1]", Matrix{1, 0, 0, 0, -1, 0, 0.5, 0, 1}},
         {kColor, "#FF0033", Color::rgb(1, 0, 0.2)},
         {kColor, "#ff003300", Color::rgb(1, 0, 0.2, 0)},
@@ -116,6 +128,17 @@ TEST(ValueText, WhatDoesNotFitIsRefusedWithWhatWould) {
         {kByte, "0x", "a whole number from 0 to 255 expected, not '0x'"},
         {kByte, "null", "a whole number from 0 to 255 expected, not 'null'"},
         {kThreeBytes, "16777216", "a whole number from 0 to 16777215 expected, not '16777216'"},
+        {kHalf, "65536", "a whole number from 0 to 65535 expected, not '65536'"},
+        {kSide, "-1", "a whole number from 0 to 65535 expected, not '-1'"},
+        {kFixed, "2", "a number from -2 to less than 2 expected, not '2'"},
+        {kFixed, "-2.001", "a number from -2 to less than 2 expected, not '-2.001'"},
+        {kFixed, "x", "a number from -2 to less than 2 expected, not 'x'"},
+        {kMatrix, "32768 0 0 0 1 0 0 0 1",
+         "a matrix with numbers from -32768 to less than 32768 in its first two columns expected, "
+         "not '32768 0 0 0 1 0 0 0 1'"},
+        {kMatrix, "1 0 0 0 1 0 0 0 2",
+         "a matrix with numbers from -2 to less than 2 in its third column expected, not "
+         "'1 0 0 0 1 0 0 0 2'"},
         {kWord, "4294967296", "a whole number from 0 to 4294967295 expected, not '4294967296'"},
         {kShort, "32768", "a whole number from -32768 to 32767 expected, not '32768'"},
         {kShort, "-32769", "a whole number from -32768 to 32767 expected, not '-32769'"},

@@ -10,6 +10,7 @@ namespace {
 /// The field is taken for the low half of a 16.16 number, so a balance of 1.0 is written as 0.
 struct BalanceAsFractionOf1616 {
     static constexpr std::size_t width = 2;
+    static constexpr NumberRange range = {0, 1};
     static double read(ByteReader& in) { return ValueCodecs::signedFixed1616ToDouble(in.u16()); }
     static void write(ByteWriter& out, double value) {
         out.u16(static_cast<std::uint16_t>(ValueCodecs::doubleToSignedFixed1616(value)));

@@ -10,6 +10,7 @@ namespace {
 /// A negative number reads one lower than it was written: 0xFF80 reads as -1.5.
 struct SignedFixed88 {
     static constexpr std::size_t width = 2;
+    static constexpr NumberRange range = {-128, 128};
     static double read(ByteReader& in) { return ValueCodecs::signedFixed88ToDouble(in.u16()); }
     static void write(ByteWriter& out, double value) {
         out.u16(static_cast<std::uint16_t>(ValueCodecs::doubleToSignedFixed88(value)));

@@ -20,6 +20,7 @@ struct TrackMatrix : MovieMatrix {
 /// Unsigned 16.16, computed in single precision as it is read.
 struct TrackDimension {
     static constexpr std::size_t width = 4;
+    static constexpr NumberRange range = UnsignedFixed1616::range;
     static float read(ByteReader& in) {
         const std::uint32_t pattern = in.u32();
         return static_cast<float>(pattern >> 16) +

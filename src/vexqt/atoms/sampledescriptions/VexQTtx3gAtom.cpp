@@ -33,6 +33,7 @@ private:
 /// A side of the text box: 16 bits without a sign, held in 32 with one.
 struct Side {
     static constexpr std::size_t width = 2;
+    static constexpr NumberRange range = {0, 65536};
     static std::int32_t read(ByteReader& in) { return in.u16(); }
     static void write(ByteWriter& out, std::int32_t side) {
         out.u16(static_cast<std::uint16_t>(side));

@@ -17,6 +17,7 @@ namespace {
 /// Unsigned 16.16, its fraction cut off as it is read.
 struct WholeFixed1616 {
     static constexpr std::size_t width = 4;
+    static constexpr NumberRange range = UnsignedFixed1616::range;
     static std::uint32_t read(ByteReader& in) {
         return static_cast<std::uint32_t>(UnsignedFixed1616::read(in));
     }
