@@ -66,10 +66,12 @@ TEST_F(UndoOfSaves, GivesTheFileOfBefore) {
     const FileIdentity before = *files.identityOf(kMovie, error);
     for (const FileChange& change : {kPatch, kLonger, kShorter, kFlipped}) {
         EXPECT_EQ(save(change), std::nullopt);
-        EXPECT_EQ(movie(), changed(old, change));
+        const Bytes saved = movie();
+        EXPECT_EQ(saved, changed(old, change));
         const UndoResult result = undo();
         EXPECT_EQ(result.outcome, Outcome::Undone) << result.text;
         EXPECT_EQ(movie(), old);
+        EXPECT_EQ(changed(saved, result.change), old);
         EXPECT_EQ(*files.identityOf(kMovie, error), before);
         EXPECT_EQ(files.paths(), std::set<fs::path>{kMovie}) << "the record is gone";
     }
@@ -91,6 +93,7 @@ TEST_F(UndoOfSaves, TakesBackOneSaveAfterTheOther) {
         EXPECT_EQ(movie(), states.back());
     }
     EXPECT_EQ(undo().outcome, Outcome::NothingToUndo);
+    EXPECT_TRUE(undo().change.isEmpty());
     EXPECT_EQ(movie(), old);
 }
 

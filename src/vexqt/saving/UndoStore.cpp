@@ -223,12 +223,12 @@ public:
             undone.flush();
             return true;
         };
-        if (const auto failure =
-                transaction.apply(record.backwards(), {.progress = {}, .verify = verify}))
+        FileChange change = record.backwards();
+        if (const auto failure = transaction.apply(change, {.progress = {}, .verify = verify}))
             throw *failure;
         restackOn(header.before, transaction.identityAfter());
         letGo();
-        return {UndoResult::Outcome::Undone, "the last save was undone", {}};
+        return {UndoResult::Outcome::Undone, "the last save was undone", {}, std::move(change)};
     }
 
 private:

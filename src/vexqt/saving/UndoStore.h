@@ -70,6 +70,7 @@ struct UndoResult {
     Outcome outcome = Outcome::NothingToUndo;
     std::string text;  ///< For people; says it all.
     std::optional<SaveFailure> failure;
+    FileChange change = {};  ///< What was written to undo the save; empty where nothing was.
 };
 
 /// Takes back the last save of a file, and with the next call the one before.
