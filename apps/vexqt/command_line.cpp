@@ -359,6 +359,13 @@ void addSharedOptions(CLI::App& app, Request& request) {
     app.set_version_flag("--version", std::string(kVersion))->description("the version");
 }
 
+void addReport(CLI::App& app, Arguments& arguments) {
+    app.add_flag("--report", arguments.reports,
+                 "prints what was written where, and the findings, as JSON");
+    app.add_flag("--media-digest", arguments.digestsMedia,
+                 "reads the media before and after, and fails if its SHA-256 is another one");
+}
+
 void addCommand(CLI::App& app, const CommandDescription& command, Request& request) {
     CLI::App& sub = *app.add_subcommand(std::string(command.name));
     Arguments& arguments = request.arguments;
@@ -375,6 +382,7 @@ void addCommand(CLI::App& app, const CommandDescription& command, Request& reque
         sub.add_flag("--force", arguments.force, "saves although something will be destroyed");
         sub.add_flag("--no-undo", arguments.keepsNoUndo, "keeps no record for vexqt undo");
     }
+    if (command.saves != Saves::No || command.run == undo) addReport(sub, arguments);
     command.addOptions(sub, arguments);
     addSharedOptions(sub, request);
     sub.callback([&request, &command] { request.command = &command; });

@@ -59,6 +59,8 @@ struct Arguments {
     bool force = false;
     bool keepsNoUndo = false;
     bool asJson = false;
+    bool reports = false;
+    bool digestsMedia = false;
 
     const std::string& file() const { return files.front(); }
 };

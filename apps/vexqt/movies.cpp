@@ -6,7 +6,10 @@
 #include <cerrno>
 #include <new>
 
+#include "apps/vexqt/MediaProof.h"
+#include "apps/vexqt/ProgressLine.h"
 #include "apps/vexqt/printable.h"
+#include "apps/vexqt/save_report.h"
 #include "vexqt/asset/AtomPath.h"
 #include "vexqt/platform/files.h"
 #include "vexqt/platform/log.h"
@@ -270,10 +273,37 @@ void conclude(const std::string& file, const SaveResult& result, Console& consol
     throw Failure(what);
 }
 
-SaveOptions optionsFrom(const Arguments& arguments, UndoStore* undoStore) {
-    return {.form = arguments.exact ? SaveForm::Exact : SaveForm::Surgical,
-            .force = arguments.force,
-            .undo = undoStore};
+/// The names of one save. A copy's own is not there before the end.
+struct SavePlaces {
+    std::string name;                   ///< Of what is saved, for people.
+    std::optional<std::string> source;  ///< Of what a copy is made of.
+    fs::path before;                    ///< Where the media lies before the save.
+    fs::path after;                     ///< And where it lies when it is done.
+};
+
+/// Saves, and tells of it: on standard error what a person should know, on standard output what a
+/// program has asked for.
+void saveAndTell(const SavePlaces& places, const Arguments& arguments, Console& console,
+                 UndoStore* undoStore, const std::function<SaveResult(const SaveOptions&)>& save) {
+    std::optional<MediaProof> media;
+    if (arguments.digestsMedia) media.emplace(places.before, console);
+    SaveResult result;
+    {
+        ProgressLine progress(console, places.source ? "copying" : "saving");
+        result = save({.form = arguments.exact ? SaveForm::Exact : SaveForm::Surgical,
+                       .force = arguments.force,
+                       .undo = undoStore,
+                       .progress = progress.report()});
+    }
+    // A copy that was not made is no place to look into; something else may have its name.
+    const bool isThere =
+        places.before == places.after || result.outcome == SaveResult::Outcome::Saved;
+    if (media && isThere) media->readAgain(places.after, console);
+    if (arguments.reports)
+        writeReport(console.out, {.file = places.name, .source = places.source}, result,
+                    media ? &*media : nullptr);
+    conclude(places.name, result, console);
+    if (media) media->requireSame();
 }
 
 UndoStore undoStoreFor(const Arguments& arguments) {
@@ -296,10 +326,8 @@ ExitStatus edit(const Arguments& arguments, Console& console,
     const bool isFromMemory = isReadIntoMemory(file, arguments);
     Bytes bytes;
 
-    // Only what was read from a file can be saved, and that into the same file. So a copy, or what
-    // was read into memory, is opened and changed once more.
+    std::unique_ptr<VexQTAsset> asset;
     const ExitStatus changed = attempt(file, console, [&] {
-        std::unique_ptr<VexQTAsset> asset;
         {
             const LogOnConsole logged(file, console);
             if (isFromMemory) bytes = readAll(file, console);
@@ -309,28 +337,33 @@ ExitStatus edit(const Arguments& arguments, Console& console,
         listProblems(file, *asset, console);
         change(*asset);
         if (arguments.output) return;
+        // Only what was read from a file can be saved. What was read into memory is opened and
+        // changed once more.
         if (isFromMemory) {
             asset = openMovie(file, options);
             change(*asset);
         }
         UndoStore undoStore = undoStoreFor(arguments);
-        conclude(file, saveInPlace(*asset, optionsFrom(arguments, &undoStore)), console);
+        const SavePlaces places = {.name = file, .source = {}, .before = file, .after = file};
+        saveAndTell(places, arguments, console, &undoStore,
+                    [&](const SaveOptions& saving) { return saveInPlace(*asset, saving); });
     });
     if (changed != ExitStatus::Done || !arguments.output) return changed;
 
     return attempt(*arguments.output, console, [&] {
         const std::string& output = *arguments.output;
-        const SaveOptions saving = optionsFrom(arguments, nullptr);
-        if (!isFromMemory) {
-            const auto asset = openMovie(file, options);
-            change(*asset);
-            return conclude(output, saveCopy(*asset, output, saving), console);
-        }
+        SavePlaces places = {.name = output, .source = file, .before = file, .after = output};
+        if (!isFromMemory)
+            return saveAndTell(places, arguments, console, nullptr, [&](const SaveOptions& saving) {
+                return saveCopy(*asset, output, saving);
+            });
         Draft draft(output);
         draft.write(bytes);
-        const auto copy = openMovie(draft.path(), options);
-        change(*copy);
-        conclude(output, saveInPlace(*copy, saving), console);
+        asset = openMovie(draft.path(), options);
+        change(*asset);
+        places.before = places.after = draft.path();
+        saveAndTell(places, arguments, console, nullptr,
+                    [&](const SaveOptions& saving) { return saveInPlace(*asset, saving); });
         draft.finish();
     });
 }

@@ -2,6 +2,7 @@
 #include "apps/vexqt/JsonWriter.h"
 #include "apps/vexqt/commands.h"
 #include "apps/vexqt/movies.h"
+#include "apps/vexqt/save_report.h"
 #include "vexqt/saving/SafeSave.h"
 #include "vexqt/saving/recovery.h"
 
@@ -21,29 +22,7 @@ void writeJson(JsonWriter& json, std::string_view name, const SavePlan& plan) {
     json.beginObject();
     json.key("way");
     json.text(textOf(plan.way()));
-    json.key("findings");
-    json.beginArray();
-    for (const Finding& finding : plan.findings()) {
-        json.beginObject();
-        json.key("id");
-        json.text(finding.id);
-        json.key("severity");
-        json.text(textOf(finding.severity));
-        if (!finding.path.empty()) {
-            json.key("path");
-            json.text(finding.path);
-        }
-        if (finding.range) {
-            json.key("offset");
-            json.number(finding.range->offset);
-            json.key("length");
-            json.number(finding.range->length);
-        }
-        json.key("message");
-        json.text(finding.message);
-        json.endObject();
-    }
-    json.endArray();
+    writeFindings(json, plan.findings());
     json.endObject();
 }
 
@@ -101,11 +80,19 @@ ExitStatus check(const Arguments& arguments, Console& console) {
 ExitStatus undo(const Arguments& arguments, Console& console) {
     return attempt(arguments.file(), console, [&] {
         const UndoStore store(systemFiles(), UndoStore::folderOfUser());
-        const UndoResult result = vexqt::undo(systemFiles(), store, arguments.file());
+        const std::string& file = arguments.file();
+        std::optional<MediaProof> media;
+        if (arguments.digestsMedia) media.emplace(file, console);
+        const UndoResult result = vexqt::undo(systemFiles(), store, file);
+        if (media) media->readAgain(file, console);
+        if (arguments.reports)
+            writeReport(console.out, {.file = file, .source = {}}, result,
+                        media ? &*media : nullptr);
         const bool isUndone = result.outcome == UndoResult::Outcome::Undone ||
                               result.outcome == UndoResult::Outcome::AlreadyUndone;
         if (!isUndone) throw Failure(result.text);
-        console.out.write(arguments.file() + ": " + result.text + "\n");
+        if (!arguments.reports) console.out.write(file + ": " + result.text + "\n");
+        if (media) media->requireSame();
     });
 }
 
