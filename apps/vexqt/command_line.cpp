@@ -425,6 +425,10 @@ std::string mistakeIn(Request& request) {
         return "'" + arguments.operands[command.operands.most] + "' is one argument too many";
     if (command.saves == Saves::Edited && arguments.inPlace == arguments.output.has_value())
         return "either --in-place or -o OUT is needed";
+    if (std::ranges::count(arguments.files, "") > 0) return "FILE is empty";
+    if (arguments.output && arguments.output->empty()) return "OUT is empty";
+    if (command.saves == Saves::Edited && arguments.output == "-")
+        return "a copy is a file, and not for standard output";
     const bool changesFile =
         arguments.inPlace || command.run == save || command.run == undo || command.run == recover;
     if (changesFile && arguments.file() == "-") return "standard input cannot be changed in place";

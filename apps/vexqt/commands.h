@@ -56,6 +56,7 @@ struct Arguments {
     bool inPlace = false;
     std::optional<std::string> output;
     bool exact = false;
+    bool isAlwaysExact = false;  ///< Of a command that has no other form.
     bool force = false;
     bool keepsNoUndo = false;
     bool asJson = false;

@@ -18,7 +18,10 @@ ExitStatus data(const Arguments& arguments, Console& console) {
     });
     if (read != ExitStatus::Done) return read;
     if (arguments.output && *arguments.output != "-")
-        return attempt(*arguments.output, console, [&] { writeWhole(*arguments.output, bytes); });
+        return attempt(*arguments.output, console, [&] {
+            requireTarget(*arguments.output, arguments.file());
+            writeWhole(*arguments.output, bytes);
+        });
     if (!arguments.output && console.out.isTerminal()) {
         console.complain("data: bytes are nothing for a terminal (-o OUT, or -o - for here)");
         return ExitStatus::WrongUsage;

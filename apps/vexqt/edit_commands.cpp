@@ -401,7 +401,8 @@ ExitStatus removeKey(const Arguments& arguments, Console& console) {
 
 ExitStatus save(const Arguments& arguments, Console& console) {
     Arguments exactly = arguments;
-    exactly.exact = true;  // There is no edit: what else would be saved?
+    // There is no edit: what else would be saved?
+    exactly.exact = exactly.isAlwaysExact = true;
     return edit(exactly, console, [](VexQTAsset&) {});
 }
 

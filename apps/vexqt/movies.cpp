@@ -119,9 +119,29 @@ bool isReadIntoMemory(const std::string& file, const Arguments& arguments) {
     return file == "-" || arguments.inMemory || isPipe(file);
 }
 
+/// What a path leads to that is no regular file, for people; empty for one that is, or for nothing.
+std::string otherKindOf(const fs::path& path) {
+    std::error_code ignored;
+    switch (fs::status(path, ignored).type()) {
+        case fs::file_type::directory:
+            return "a folder";
+        case fs::file_type::fifo:
+            return "a pipe";
+        case fs::file_type::socket:
+            return "a socket";
+        case fs::file_type::block:
+        case fs::file_type::character:
+            return "a device";
+        default:
+            return "";
+    }
+}
+
 std::unique_ptr<VexQTAsset> openMovie(const fs::path& file, ReadOptions options) {
     std::error_code error;
     auto asset = VexQTAsset::initWithURL(file, error, options);
+    if (const std::string kind = otherKindOf(file); error && !kind.empty())
+        throw Failure("is " + kind + ", not a movie");
     check(error);
     return asset;
 }
@@ -200,6 +220,46 @@ std::string describedFinding(const Finding& finding) {
 
 namespace {
 
+/// What a person can do about a save that is refused.
+std::string wayOut(const SaveResult& result, const Arguments& arguments) {
+    const auto has = [&](std::string_view id) {
+        return std::ranges::count(result.plan.findings(), id, &Finding::id) > 0;
+    };
+    if (has("file-changed") || has("read-again-first")) return "run the command again";
+    if (has("no-room")) return "--force does not help, as there is no place for it";
+    std::string way;
+    if (arguments.exact && !arguments.isAlwaysExact) way = "try it without --exact; ";
+    if (arguments.inPlace) way += "-o OUT leaves this file as it is; ";
+    return way + "--force saves all the same";
+}
+
+/// What went wrong, and what a person can do about it.
+std::string explained(const std::string& file, const SaveResult& result, bool isInPlace) {
+    if (!result.failure) return "cannot be saved";
+    const SaveFailure& failure = *result.failure;
+    switch (failure.reason) {
+        case SaveFailure::Reason::Busy:
+            return "somebody else is saving this movie; nothing was written";
+        case SaveFailure::Reason::Changed:
+            return "has changed since it was read, so nothing was written; run the command again";
+        case SaveFailure::Reason::RecoveryNeeded:
+            return failure.what + " (vexqt recover " + file + ")";
+        case SaveFailure::Reason::System:
+            break;
+        case SaveFailure::Reason::NotAsMeant:
+        case SaveFailure::Reason::RollBackFailed:
+            return failure.what;
+    }
+    const bool isForbidden = failure.code == std::errc::permission_denied ||
+                             failure.code == std::errc::operation_not_permitted ||
+                             failure.code == std::errc::read_only_file_system;
+    if (!isForbidden || !isInPlace) return failure.what;
+    const bool wasOpened = result.plan.layout().fileLength != 0;
+    const std::string what =
+        wasOpened ? failure.what : "cannot be opened for writing: " + failure.code.message();
+    return what + " (-o OUT saves into a copy)";
+}
+
 /// A file beside the one that it is to become, removed if it never does.
 class Draft {
 public:
@@ -244,7 +304,8 @@ private:
 };
 
 /// Says how a save went; a refusal and a failure leave by way of Failure.
-void conclude(const std::string& file, const SaveResult& result, Console& console) {
+void conclude(const std::string& file, const SaveResult& result, const Arguments& arguments,
+              Console& console) {
     switch (result.outcome) {
         case SaveResult::Outcome::NothingToDo:
             return;
@@ -261,16 +322,13 @@ void conclude(const std::string& file, const SaveResult& result, Console& consol
                 if (!first.empty()) console.complain(file, first);
                 first = describedFinding(finding);
             }
-            throw Failure(first + "; nothing was written (--force saves all the same)",
+            throw Failure(first + "; nothing was written (" + wayOut(result, arguments) + ")",
                           ExitStatus::Refused);
         }
         case SaveResult::Outcome::Failed:
             break;
     }
-    std::string what = result.failure ? result.failure->what : "cannot be saved";
-    if (result.failure && result.failure->reason == SaveFailure::Reason::RecoveryNeeded)
-        what += " (vexqt recover " + file + ")";
-    throw Failure(what);
+    throw Failure(explained(file, result, !arguments.output));
 }
 
 /// The names of one save. A copy's own is not there before the end.
@@ -302,7 +360,7 @@ void saveAndTell(const SavePlaces& places, const Arguments& arguments, Console& 
     if (arguments.reports)
         writeReport(console.out, {.file = places.name, .source = places.source}, result,
                     media ? &*media : nullptr);
-    conclude(places.name, result, console);
+    conclude(places.name, result, arguments, console);
     if (media) media->requireSame();
 }
 
@@ -312,6 +370,27 @@ UndoStore undoStoreFor(const Arguments& arguments) {
 }
 
 }  // namespace
+
+void requireFile(const std::string& file) {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (!fs::exists(status)) check(error);
+    const std::string kind = otherKindOf(file);
+    if (!kind.empty())
+        throw Failure("is " + kind + ", and only what lies in a file can be saved in place");
+}
+
+void requireTarget(const std::string& output, const std::string& source) {
+    const std::string kind = otherKindOf(output);
+    if (!kind.empty()) throw Failure("is " + kind + ", which is not replaced by a file");
+    std::error_code error;
+    if (source != "-" && fs::equivalent(output, source, error))
+        throw Failure("is the movie itself" +
+                      std::string(output == source ? "" : " under another name"));
+    const fs::path folder = fs::path(output).parent_path();
+    if (!folder.empty() && !fs::is_directory(folder, error))
+        throw Failure("there is no folder " + folder.string());
+}
 
 void writeWhole(const std::string& file, ByteView bytes) {
     Draft draft(file);
@@ -326,8 +405,14 @@ ExitStatus edit(const Arguments& arguments, Console& console,
     const bool isFromMemory = isReadIntoMemory(file, arguments);
     Bytes bytes;
 
+    if (arguments.output) {
+        const ExitStatus target =
+            attempt(*arguments.output, console, [&] { requireTarget(*arguments.output, file); });
+        if (target != ExitStatus::Done) return target;
+    }
     std::unique_ptr<VexQTAsset> asset;
     const ExitStatus changed = attempt(file, console, [&] {
+        if (!arguments.output) requireFile(file);
         {
             const LogOnConsole logged(file, console);
             if (isFromMemory) bytes = readAll(file, console);

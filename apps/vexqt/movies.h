@@ -32,6 +32,12 @@ ExitStatus edit(const Arguments& arguments, Console& console,
 /// "moov.mvhd at 40: 'timeScale' was edited [atom-changes]".
 std::string describedFinding(const Finding& finding);
 
+/// \throws Failure unless something that can be changed in place has that name.
+void requireFile(const std::string& file);
+/// \throws Failure where no new file can have that name: for a folder, a device, a name in no
+/// folder, and for what it is made from.
+void requireTarget(const std::string& output, const std::string& source);
+
 /// Writes bytes to a file, which takes its name only when it is whole.
 void writeWhole(const std::string& file, ByteView bytes);
 

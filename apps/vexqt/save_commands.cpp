@@ -48,6 +48,7 @@ ExitStatus check(const Arguments& arguments, Console& console) {
     const ExitStatus status = attemptEach(arguments, console, [&](const std::string& file) {
         if (file == "-" || arguments.inMemory)
             throw Failure("only what lies in a file can be saved", ExitStatus::WrongUsage);
+        requireFile(file);
         const auto asset = readMovie(file, arguments, console);
         const SavePlan surgical = planFor(*asset, file, SaveForm::Surgical);
         const SavePlan exact = planFor(*asset, file, SaveForm::Exact);
@@ -81,6 +82,7 @@ ExitStatus undo(const Arguments& arguments, Console& console) {
     return attempt(arguments.file(), console, [&] {
         const UndoStore store(systemFiles(), UndoStore::folderOfUser());
         const std::string& file = arguments.file();
+        requireFile(file);
         std::optional<MediaProof> media;
         if (arguments.digestsMedia) media.emplace(file, console);
         const UndoResult result = vexqt::undo(systemFiles(), store, file);
@@ -98,6 +100,7 @@ ExitStatus undo(const Arguments& arguments, Console& console) {
 
 ExitStatus recover(const Arguments& arguments, Console& console) {
     return attempt(arguments.file(), console, [&] {
+        requireFile(arguments.file());
         const RecoveryResult result =
             vexqt::recover(systemFiles(), arguments.file(),
                            arguments.force ? IfChanged::RecoverAnyway : IfChanged::Refuse);

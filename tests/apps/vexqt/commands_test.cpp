@@ -62,6 +62,11 @@ TEST(CommandLine, MistakesAreOneLineAndStatusTwo) {
          "insert: PATH ATOMFILE is missing (vexqt insert --help tells more)"},
         {{"set", "-", "moov.mvhd.timeScale=1", "--in-place"},
          "set: standard input cannot be changed in place (vexqt set --help tells more)"},
+        {{"set", "a.mov", "moov.mvhd.timeScale=1", "-o", "-"},
+         "set: a copy is a file, and not for standard output (vexqt set --help tells more)"},
+        {{"set", "a.mov", "moov.mvhd.timeScale=1", "-o", ""},
+         "set: OUT is empty (vexqt set --help tells more)"},
+        {{"save", ""}, "save: FILE is empty (vexqt save --help tells more)"},
         {{"save", "-"},
          "save: standard input cannot be changed in place (vexqt save --help tells more)"},
         {{"json", "-", "-"},
@@ -206,7 +211,7 @@ TEST_F(Commands, AFolderIsNoMovie) {
     const Called called = call({"json", folder_.path().string()});
     EXPECT_EQ(called.status, 1);
     EXPECT_EQ(called.output, "");
-    EXPECT_EQ(called.errors, said(folder_.path().string(), "Is a directory"));
+    EXPECT_EQ(called.errors, said(folder_.path().string(), "is a folder, not a movie"));
 }
 
 // MARK: Tolerant and strict
@@ -410,7 +415,7 @@ TEST_F(Commands, DataIsNotWrittenWhereAFolderIsMissing) {
     const std::string out = path("none/out.bin");
     const Called called = call({"data", movie_, "-o", out});
     EXPECT_EQ(called.status, 1);
-    EXPECT_EQ(called.errors, said(out, "No such file or directory"));
+    EXPECT_EQ(called.errors, said(out, "there is no folder " + path("none")));
 }
 
 TEST_F(Commands, DataOfMediaDataIsEmptyAndSaysSo) {
