@@ -154,10 +154,14 @@ void listProblems(const std::string& file, const VexQTAsset& asset, Console& con
     }
 }
 
+bool hasJournal(const std::string& file) {
+    std::error_code error;
+    return findJournal(systemFiles(), file, error) && !error;
+}
+
 /// A save that was interrupted is ended before anybody trusts what is there.
 void tellOfJournal(const std::string& file, Console& console) {
-    std::error_code error;
-    if (findJournal(systemFiles(), file, error) && !error)
+    if (hasJournal(file))
         console.complain(file, "a save of this movie goes on, or was interrupted: vexqt recover " +
                                    file + " puts back what it was before");
 }
@@ -413,6 +417,10 @@ ExitStatus edit(const Arguments& arguments, Console& console,
     std::unique_ptr<VexQTAsset> asset;
     const ExitStatus changed = attempt(file, console, [&] {
         if (!arguments.output) requireFile(file);
+        // A movie is saved only when no journal lies beside it; nor is one half saved copied.
+        if (arguments.output && !isFromMemory && !arguments.force && hasJournal(file))
+            throw Failure("a save of this movie goes on, or was interrupted: vexqt recover " +
+                          file + " puts back what it was before (--force copies what is there)");
         {
             const LogOnConsole logged(file, console);
             if (isFromMemory) bytes = readAll(file, console);

@@ -342,6 +342,19 @@ TEST_F(EditCommands, AJournalBesideAMovieIsToldOfAndRecoveredFrom) {
     EXPECT_EQ(call({"outline", movie_}).errors, "");
 }
 
+TEST_F(EditCommands, AMovieBesideAJournalIsNotCopied) {
+    write(".clip.mov.vexqt-journal", text("cut short"));
+    const Called called = call({"set", movie_, "moov.mvhd.timeScale=25", "-o", copy_});
+    EXPECT_EQ(called.status, 1);
+    EXPECT_EQ(
+        called.errors,
+        said(movie_, "a save of this movie goes on, or was interrupted: vexqt recover " + movie_ +
+                         " puts back what it was before (--force copies what is there)"));
+    EXPECT_FALSE(std::filesystem::exists(copy_));
+    EXPECT_EQ(call({"set", movie_, "moov.mvhd.timeScale=25", "-o", copy_, "--force"}).status, 0);
+    EXPECT_EQ(get(copy_, "moov.mvhd.timeScale"), "25");
+}
+
 TEST_F(EditCommands, SetKeyAddsAndChangesAndRemoveKeyRemoves) {
     ASSERT_EQ(call({"set-key", movie_, "moov.meta", "com.example.title=One", "com.example.reel=A3",
                     "--in-place"})
