@@ -32,6 +32,7 @@ struct CommandDescription {
     Command* run;
     /// Adds what no other command has.
     void (*addOptions)(CLI::App& app, Arguments& arguments);
+    std::string_view more = {};  ///< What the help ends with.
 };
 
 constexpr std::size_t kAny = std::numeric_limits<std::uint16_t>::max();
@@ -193,7 +194,10 @@ constexpr CommandDescription kCommands[] = {
      .operands = {},
      .saves = Saves::Exactly,
      .run = save,
-     .addOptions = noOptions},
+     .addOptions = noOptions,
+     .more =
+         "It writes what the movie's classes write, as --exact does, which is not always what was "
+         "there: vexqt check tells what it would change."},
     {.name = "check",
      .does = "says what a save would change or destroy besides what was edited",
      .examples = "  vexqt check clip.mov\n"
@@ -205,7 +209,10 @@ constexpr CommandDescription kCommands[] = {
      .addOptions =
          [](CLI::App& app, Arguments& arguments) {
              app.add_flag("--json", arguments.asJson, "a document a file, each on one line");
-         }},
+         },
+     .more = "note is worth knowing; changes: something other than an edit will be different; "
+             "destroys: "
+             "something will be lost, or the movie will not play. Exit status 3 for the last two."},
     {.name = "undo",
      .does = "takes the last save in place back, and with the next call the one before",
      .examples = "  vexqt undo clip.mov\n",
@@ -213,7 +220,12 @@ constexpr CommandDescription kCommands[] = {
      .operands = {},
      .saves = Saves::No,
      .run = undo,
-     .addOptions = noOptions},
+     .addOptions = noOptions,
+     .more =
+         "The file is then byte for byte what it was, if nobody has written to it since that save. "
+         "Records lie in $XDG_STATE_HOME/vexqt/undo, else in ~/.local/state/vexqt/undo, for 30 "
+         "days, 20 at most for a file and 64 MiB at most each. VEXQT_UNDO=off keeps none, "
+         "--no-undo none of one save."},
     {.name = "recover",
      .does = "ends a save that was interrupted: the movie is what it was before",
      .examples = "  vexqt recover clip.mov\n",
@@ -225,12 +237,21 @@ constexpr CommandDescription kCommands[] = {
          [](CLI::App& app, Arguments& arguments) {
              app.add_flag("--force", arguments.force,
                           "also where somebody has written to the movie since");
-         }},
+         },
+     .more =
+         "A save keeps the old bytes in .NAME.vexqt-journal beside the movie while it is not done. "
+         "Where that is left, they are put back from there; without one nothing is done."},
 };
 
 const CommandDescription* commandNamed(std::string_view name) {
     const auto* found = std::ranges::find(kCommands, name, &CommandDescription::name);
     return found != std::end(kCommands) ? found : nullptr;
+}
+
+/// Whether there is nothing for it in what comes from standard input.
+bool needsFile(const CommandDescription& command) {
+    return command.run == save || command.run == check || command.run == undo ||
+           command.run == recover;
 }
 
 // MARK: Help
@@ -266,8 +287,9 @@ constexpr std::string_view kPathsAndStatus =
     "property; 2 the command line is wrong, or a value does not fit; 3 a save would change or\n"
     "destroy what nobody asked it to: check says so, and other commands refuse without --force.\n"
     "\n"
-    "Only the bytes of what was edited are written. A save in place can be taken back with undo;\n"
-    "its records lie in ~/.local/state/vexqt/undo for 30 days (VEXQT_UNDO=off keeps none).\n";
+    "Only the bytes of what was edited are written; a crash leaves the old movie or the new one.\n"
+    "A save in place can be taken back with undo, whose records lie in ~/.local/state/vexqt/undo\n"
+    "for 30 days (VEXQT_UNDO=off keeps none). --report tells programs what was written.\n";
 
 std::string operandsUsage(const CommandDescription& command) {
     const Operands& operands = command.operands;
@@ -323,8 +345,8 @@ std::string helpOf(const CommandDescription& command, const CLI::App& app) {
                        (command.files == Files::Several ? "FILE…" : "FILE") +
                        operandsUsage(command) +
                        (command.saves == Saves::Edited ? " (--in-place | -o OUT)" : "") + "\n\n";
-    text += entry("FILE", command.files == Files::Several ? "movies, or - for standard input"
-                                                          : "a movie, or - for standard input");
+    const std::string file = command.files == Files::Several ? "movies" : "a movie";
+    text += entry("FILE", file + (needsFile(command) ? "" : ", or - for standard input"));
     if (!command.operands.name.empty())
         text += entry(std::string(command.operands.name), command.operands.about);
     text += "\nOptions:\n";
@@ -335,6 +357,7 @@ std::string helpOf(const CommandDescription& command, const CLI::App& app) {
         if (option->get_expected_min() > 0) name += ' ' + option->get_type_name();
         text += entry(name, option->get_description());
     }
+    if (!command.more.empty()) text += "\n" + wrapped(command.more, 0) + "\n";
     return text;
 }
 
@@ -429,8 +452,7 @@ std::string mistakeIn(Request& request) {
     if (arguments.output && arguments.output->empty()) return "OUT is empty";
     if (command.saves == Saves::Edited && arguments.output == "-")
         return "a copy is a file, and not for standard output";
-    const bool changesFile =
-        arguments.inPlace || command.run == save || command.run == undo || command.run == recover;
+    const bool changesFile = arguments.inPlace || (needsFile(command) && command.run != check);
     if (changesFile && arguments.file() == "-") return "standard input cannot be changed in place";
     if (std::ranges::count(arguments.files, "-") > 1) return "standard input can be read only once";
     return {};
