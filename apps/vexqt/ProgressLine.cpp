@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
+
 namespace vexqt::cli {
 
 namespace {

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
 
 #include "apps/vexqt/commands.h"
-#include "vexqt/platform/files.h"
 
 namespace vexqt::cli {
 
@@ -22,10 +24,7 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
-    /// Good as long as this object is.
-    CopyProgress report() {
-        return [this](std::uint64_t done, std::uint64_t total) { tell(done, total); };
-    }
+    /// So many bytes of all of them.
     void tell(std::uint64_t done, std::uint64_t total);
     /// Takes the line away, before anything else is said.
     void end();

@@ -3,6 +3,7 @@
 
 #include <csignal>
 
+#include "apps/vexqt/Interruption.h"
 #include "apps/vexqt/command_line.h"
 
 int main(int argc, char** argv) {
@@ -18,5 +19,9 @@ int main(int argc, char** argv) {
     }
     DescriptorOutput out(STDOUT_FILENO, "standard output");
     DescriptorOutput err(STDERR_FILENO, "standard error");
-    return vexqt::cli::run({argv + 1, argv + argc}, out, err, STDIN_FILENO);
+    try {
+        return vexqt::cli::run({argv + 1, argv + argc}, out, err, STDIN_FILENO);
+    } catch (const vexqt::cli::Interrupted& interrupted) {
+        interrupted.endProcess();
+    }
 }

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <new>
 
+#include "apps/vexqt/Interruption.h"
 #include "apps/vexqt/MediaProof.h"
 #include "apps/vexqt/ProgressLine.h"
 #include "apps/vexqt/printable.h"
@@ -350,12 +351,17 @@ void saveAndTell(const SavePlaces& places, const Arguments& arguments, Console& 
     std::optional<MediaProof> media;
     if (arguments.digestsMedia) media.emplace(places.before, console);
     SaveResult result;
+    const Interruption interruption;
     {
         ProgressLine progress(console, places.source ? "copying" : "saving");
+        const auto report = [&](std::uint64_t done, std::uint64_t total) {
+            interruption.check();
+            progress.tell(done, total);
+        };
         result = save({.form = arguments.exact ? SaveForm::Exact : SaveForm::Surgical,
                        .force = arguments.force,
                        .undo = undoStore,
-                       .progress = progress.report()});
+                       .progress = report});
     }
     // A copy that was not made is no place to look into; something else may have its name.
     const bool isThere =
@@ -366,6 +372,7 @@ void saveAndTell(const SavePlaces& places, const Arguments& arguments, Console& 
                     media ? &*media : nullptr);
     conclude(places.name, result, arguments, console);
     if (media) media->requireSame();
+    interruption.check();  // It came too late to stop the save.
 }
 
 UndoStore undoStoreFor(const Arguments& arguments) {

@@ -67,7 +67,7 @@ public:
                    0 ||
                info.si_pid != 0;
     }
-    void kill() { ::kill(process_, SIGKILL); }
+    void kill(int signal = SIGKILL) { ::kill(process_, signal); }
     /// The exit status, or 128 and the signal's number.
     int wait() {
         int status = 0;
@@ -303,6 +303,56 @@ TEST_F(KilledProgram, LeavesNoPartOfACopyUnderItsName) {
     // What a killed program has left beside it stands in nobody's way.
     EXPECT_EQ(call(command).status, 0);
     EXPECT_TRUE(bytesOf(copy) == whole);
+}
+
+// MARK: Ctrl-C
+
+using InterruptedProgram = KilledProgram;
+
+TEST_F(InterruptedProgram, LeavesNoJournalAndNoBytesBehindTheMovie) {
+    std::mt19937 random(20240229);
+    int stopped = 0, saved = 0;
+    for (const Save& save : saves()) {
+        if (save.command == "undo") continue;
+        SCOPED_TRACE(save.what);
+        const Moments moments = momentsOf(save);
+        const Bytes after = bytesOf(movie_);
+        for (int round = 0; round < 8 && !HasFailure(); ++round) {
+            const Bytes before = prepare(save);
+            struct stat status = {};
+            ASSERT_EQ(::stat(movie_.c_str(), &status), 0);
+            Running program(commandOf(save));
+            while (!program.isOver() && !hasBegun(journal_, status)) std::this_thread::yield();
+            const std::chrono::duration<double> longest = moments.end - moments.begin;
+            std::this_thread::sleep_for(longest * std::uniform_real_distribution<>(0, 0.5)(random));
+            program.kill(SIGINT);
+            program.wait();
+            const Bytes now = bytesOf(movie_);
+            EXPECT_TRUE(now == before || now == after);
+            EXPECT_FALSE(fs::exists(journal_));
+            ++(now == before ? stopped : saved);
+        }
+    }
+    std::cout << stopped << " saves were taken back, " << saved << " came to their end\n";
+}
+
+TEST_F(InterruptedProgram, LeavesNoPartOfACopyAtAll) {
+    const fs::path copy = folder_ / "copy.mov";
+    const Bytes movie =
+        join({atom("ftyp"_os, {text("qt  "), u32(0)}), atom("mdat"_os, {zeros(100'000'000)}),
+              atom("moov"_os, {movieHeader(), track(1, "vide"_os)})});
+    put(movie_, movie);
+    const std::size_t files = filesInFolder();
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        SCOPED_TRACE(signal);
+        Running program({"set", movie_, "moov.mvhd.timeScale=25", "-o", copy.string()});
+        while (!program.isOver() && filesInFolder() == files) std::this_thread::yield();
+        program.kill(signal);
+        EXPECT_EQ(program.wait(), 128 + signal);
+        EXPECT_EQ(filesInFolder(), files + (fs::exists(copy) ? 1 : 0));
+        fs::remove(copy);
+    }
+    EXPECT_TRUE(bytesOf(movie_) == movie);
 }
 
 }  // namespace
