@@ -112,6 +112,37 @@ void assigning(const std::string& key, Work&& work) {
     }
 }
 
+/// The key of a place by ordinals alone, as a value that was set may be what others are found by.
+std::string plainKey(const PropertyPlace& place, const AtomPath::Atoms& roots) {
+    std::string key = AtomPath::of(*place.atom, roots) + "." + std::string(place.property->name);
+    if (place.row) key += "[" + std::to_string(*place.row) + "]";
+    if (place.column && !place.field().name.empty()) key += "." + std::string(place.field().name);
+    return key;
+}
+
+/// A value on one line that is not too long for a message.
+std::string inShort(const Field& field, const Value& value) {
+    constexpr std::size_t kMost = 60;
+    std::string text = readableText(field, value);
+    if (text.size() <= kMost) return text;
+    std::size_t kept = kMost;
+    // A character of UTF-8 is kept or left as a whole.
+    while (kept > 0 && (static_cast<unsigned char>(text[kept]) & 0xC0) == 0x80) --kept;
+    text.resize(kept);
+    return text + "…";
+}
+
+/// How a value that was set reads where it does not read as that; empty where it does.
+std::string otherThanMeant(const Field& field, const Value& meant, const AtomPath& key,
+                           const VexQTAsset& saved) {
+    try {
+        const Value read = key.propertyIn(saved.rootAtoms()).value();
+        return isSameButForRounding(meant, read) ? "" : "reads as " + inShort(field, read);
+    } catch (const PathError&) {
+        return "is not found any more";
+    }
+}
+
 }  // namespace
 
 ExitStatus set(const Arguments& arguments, Console& console) {
@@ -121,14 +152,17 @@ ExitStatus set(const Arguments& arguments, Console& console) {
         PropertyPlace place;
         Value value;
         std::string pictureFile;  ///< Empty for what is no picture from a file.
+        std::string plainKey;     ///< In the changed movie.
     };
-    return edit(arguments, console, [&](VexQTAsset& asset) {
-        std::vector<Change> changes;
+    std::vector<Change> changes;
+    const auto setAll = [&](VexQTAsset& asset) {
+        changes.clear();
         const auto add = [&](const std::string& key, const std::string* text) {
             Change change = {.key = key,
                              .place = AtomPath(key).propertyIn(asset.rootAtoms()),
                              .value = {},
-                             .pictureFile = {}};
+                             .pictureFile = {},
+                             .plainKey = {}};
             requireSaved(arguments, asset, change.place.root, key);
             assigning(key, [&] {
                 const Field& field = change.place.field();
@@ -155,6 +189,17 @@ ExitStatus set(const Arguments& arguments, Console& console) {
             assigning(change.key, [&] { change.place.setValue(change.value); });
             if (!change.pictureFile.empty())
                 keepEncoding(*change.place.atom, inputs.bytesOf(change.pictureFile));
+        }
+        for (Change& change : changes) change.plainKey = plainKey(change.place, asset.rootAtoms());
+    };
+    return edit(arguments, console, setAll, [&](VexQTAsset& saved) {
+        for (const Change& change : changes) {
+            const std::string told = otherThanMeant(change.place.field(), change.value,
+                                                    AtomPath(change.plainKey), saved);
+            if (!told.empty())
+                console.complain(arguments.output ? *arguments.output : arguments.file(),
+                                 change.key + " was set to " +
+                                     inShort(change.place.field(), change.value) + " and " + told);
         }
     });
 }

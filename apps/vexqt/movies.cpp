@@ -409,8 +409,10 @@ void writeWhole(const std::string& file, ByteView bytes) {
     draft.finish();
 }
 
-ExitStatus edit(const Arguments& arguments, Console& console,
-                const std::function<void(VexQTAsset&)>& change) {
+namespace {
+
+ExitStatus changeAndSave(const Arguments& arguments, Console& console,
+                         const std::function<void(VexQTAsset&)>& change) {
     const std::string& file = arguments.file();
     const ReadOptions options = {.tolerant = !arguments.strict};
     const bool isFromMemory = isReadIntoMemory(file, arguments);
@@ -465,6 +467,20 @@ ExitStatus edit(const Arguments& arguments, Console& console,
         saveAndTell(places, arguments, console, nullptr,
                     [&](const SaveOptions& saving) { return saveInPlace(*asset, saving); });
         draft.finish();
+    });
+}
+
+}  // namespace
+
+ExitStatus edit(const Arguments& arguments, Console& console,
+                const std::function<void(VexQTAsset&)>& change,
+                const std::function<void(VexQTAsset&)>& lookAgain) {
+    const ExitStatus status = changeAndSave(arguments, console, change);
+    if (status != ExitStatus::Done || !lookAgain) return status;
+    const std::string& saved = arguments.output ? *arguments.output : arguments.file();
+    return attempt(saved, console, [&] {
+        const auto asset = openMovie(saved, {.tolerant = !arguments.strict});
+        lookAgain(*asset);
     });
 }
 

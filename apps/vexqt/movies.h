@@ -26,8 +26,10 @@ ExitStatus attemptEach(const Arguments& arguments, Console& console,
                        const std::function<void(const std::string& file)>& work);
 
 /// Changes a movie and saves it: in place, or in a copy that takes its name only when it is whole.
+/// What was saved is read again and looked at, where there is something to look for.
 ExitStatus edit(const Arguments& arguments, Console& console,
-                const std::function<void(VexQTAsset&)>& change);
+                const std::function<void(VexQTAsset&)>& change,
+                const std::function<void(VexQTAsset&)>& lookAgain = {});
 
 /// "moov.mvhd at 40: 'timeScale' was edited [atom-changes]".
 std::string describedFinding(const Finding& finding);

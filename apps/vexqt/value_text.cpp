@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <array>
 #include <charconv>
 #include <cmath>
 
@@ -321,6 +322,43 @@ Value valueFromText(const Field& field, std::string_view text) {
         default:
             throw ValueError("this cannot be given as text");
     }
+}
+
+// MARK: Values that were set and read again
+
+namespace {
+
+/// The coarsest fractions are those of numbers in 8.8.
+bool isClose(double meant, double read) {
+    return std::abs(meant - read) <= std::max(1.0 / 256, std::abs(meant) * 1e-6);
+}
+
+std::array<double, 4> componentsOf(const Color& color) {
+    if (color.isGrey()) return {color.white(), color.white(), color.white(), color.alpha()};
+    return {color.red(), color.green(), color.blue(), color.alpha()};
+}
+
+}  // namespace
+
+bool isSameButForRounding(const Value& meant, const Value& read) {
+    if (meant == read) return true;
+    if (const auto* one = std::get_if<Matrix>(&meant))
+        if (const auto* other = std::get_if<Matrix>(&read))
+            return std::ranges::equal(*one, *other, isClose);
+    if (const auto* one = std::get_if<Color>(&meant))
+        if (const auto* other = std::get_if<Color>(&read))
+            return std::ranges::equal(componentsOf(*one), componentsOf(*other), isClose);
+    if (const auto* one = std::get_if<Picture>(&meant))
+        if (const auto* other = std::get_if<Picture>(&read))  // Some formats lose details.
+            return one->width() == other->width() && one->height() == other->height();
+    const auto one = doubleFrom(meant), other = doubleFrom(read);
+    if (!one || !other) return false;
+    const auto isWhole = [](const Value& value) {
+        const auto* number = std::get_if<Number>(&value);
+        return number != nullptr ? !number->isFloat() : !std::holds_alternative<double>(value);
+    };
+    if (isWhole(meant) && isWhole(read)) return integerFrom(meant) == integerFrom(read);
+    return isClose(*one, *other);
 }
 
 }  // namespace vexqt::cli

@@ -21,4 +21,8 @@ std::string readableText(const Field& field, const Value& value);
 /// \throws ValueError, saying what was expected, also for an integer that the field cannot hold.
 Value valueFromText(const Field& field, std::string_view text);
 
+/// Whether a value that was set is the one that is read, but for what the fractions of a
+/// fixed-point number or the bytes of a colour have no room for.
+bool isSameButForRounding(const Value& meant, const Value& read);
+
 }  // namespace vexqt::cli

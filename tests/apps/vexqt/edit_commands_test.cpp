@@ -77,8 +77,6 @@ TEST_F(EditCommands, SetChangesValuesOfEveryKind) {
         {"moov.mvhd.timeScale", "0x258", "600"},
         {"moov.mvhd.duration", "4294967295", "4294967295"},
         {"moov.mvhd.preferredRate", "1.5", "1.5"},
-        // Negative fractions are not read as they are written.
-        {"moov.mvhd.preferredRate", "-1.5", "0.5"},
         {"moov.mvhd.creationDateTime", "2024-05-01 12:00:00", "2024-05-01T12:00:00Z"},
         {"moov.mvhd.matrix", "1 0 0 0 1 0 64 32 1", "[1, 0, 0, 0, 1, 0, 64, 32, 1]"},
         {"moov.mvhd.flags2", "7", "7"},
@@ -112,14 +110,50 @@ TEST_F(EditCommands, SetChangesCellsOfTables) {
     EXPECT_EQ(get(copy_, std::string(kNumbers)), "[40, 30]");
 }
 
+TEST_F(EditCommands, SetTellsWhatReadsAsAnotherValue) {
+    // Fixed-point numbers below zero are not read as they are written.
+    const struct {
+        std::string assignment, told;
+    } cases[] = {
+        {"moov.mvhd.preferredRate=-1.5",
+         "moov.mvhd.preferredRate was set to -1.5 and reads as 0.5"},
+        {"moov.mvhd.matrix=-1 0 0 0 1 0 0 0 1",
+         "moov.mvhd.matrix was set to [-1, 0, 0, 0, 1, 0, 0, 0, 1] and reads as [-2, 0, 0, 0, 1, "
+         "0, "
+         "0, 0, 1]"},
+        {"moov.trak[soun].mdia.mediaType=text",
+         "moov.trak[soun].mdia.mediaType was set to 'text' and reads as 'soun'"},
+        // What a field has no room for is no other value.
+        {"moov.mvhd.preferredRate=1.1", ""},
+        {"moov.mvhd.preferredVolume=0.3", ""},
+        {"moov.trak.tkhd.trackWidth=1920.1", ""},
+        // The value by which a path finds its atom may be the one that is set.
+        {"moov.trak[soun].mdia.hdlr.componentSubType=vide", ""},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(each.assignment);
+        const Called called = call({"set", movie_, each.assignment, "-o", copy_});
+        EXPECT_EQ(called.status, 0);
+        EXPECT_EQ(called.errors, each.told.empty() ? "" : said(copy_, each.told));
+    }
+    const Called inPlace = call({"set", movie_, "moov.mvhd.preferredRate=-1", "--in-place"});
+    EXPECT_EQ(inPlace.status, 0);
+    EXPECT_EQ(inPlace.errors,
+              said(movie_, "moov.mvhd.preferredRate was set to -1 and reads as -2"));
+}
+
 TEST_F(EditCommands, SetMakesValuesAbsent) {
     // What is absent of a date is written as the start of 2001.
-    EXPECT_EQ(changed({"set", movie_, "--absent", "moov.mvhd.modificationDateTime"},
-                      "moov.mvhd.modificationDateTime"),
-              "2001-01-01T00:00:00Z");
-    EXPECT_EQ(changed({"set", movie_, "moov.mvhd.modificationDateTime=null"},
-                      "moov.mvhd.modificationDateTime"),
-              "2001-01-01T00:00:00Z");
+    const std::string key = "moov.mvhd.modificationDateTime";
+    const std::vector<std::string> commands[] = {{"set", movie_, "--absent", key, "-o", copy_},
+                                                 {"set", movie_, key + "=null", "-o", copy_}};
+    for (const auto& command : commands) {
+        const Called called = call(command);
+        EXPECT_EQ(called.status, 0);
+        EXPECT_EQ(called.errors,
+                  said(copy_, key + " was set to absent and reads as 2001-01-01 00:00:00 UTC"));
+        EXPECT_EQ(get(copy_, key), "2001-01-01T00:00:00Z");
+    }
     EXPECT_EQ(refused({"set", movie_, "--absent", "moov.mvhd.timeScale"}, 2),
               "moov.mvhd.timeScale: this cannot be absent");
 }

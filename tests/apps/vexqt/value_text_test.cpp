@@ -244,5 +244,40 @@ TEST(ValueText, PeopleReadCodesHexadecimalNumbersDatesAndColours) {
     }
 }
 
+TEST(ValueText, ValuesAreTheSameButForRounding) {
+    const struct {
+        Value meant, read;
+        bool isSame;
+    } cases[] = {
+        {7U, 7, true},
+        {7U, 8U, false},
+        {1'000'000'000'000U, 1'000'000'000'001U, false},
+        {1.1, 1.09999, true},
+        {1.1, 1.0, false},
+        {1e9, 1e9 + 1, true},
+        {1.0, Value(), false},
+        {"a", "a", true},
+        {"a", "b", false},
+        {Number(5), Number(5U), true},
+        {Number(5), Number(6U), false},
+        {Number(0.5F), Number(0.5F), true},
+        {Number(1.5F), Number(1), false},
+        {Matrix{1, 2}, Matrix{1, 2.001}, true},
+        {Matrix{1, 2}, Matrix{1, 2.1}, false},
+        {Color::grey(0.5), Color::rgb(0.5, 0.5, 0.501), true},
+        {Color::rgb(1, 0, 0), Color::rgb(0, 0, 0), false},
+        {Picture({1, 1}, Bytes{1, 2, 3, 4}), Picture({1, 1}, Bytes{1, 2, 3, 5}), true},
+        {Picture({2, 1}, Bytes(8)), Picture({1, 2}, Bytes(8)), false},
+        {Bytes{1}, Bytes{2}, false},
+        {Value(), Value(), true},
+    };
+    int number = 0;
+    for (const auto& each : cases) {
+        SCOPED_TRACE(number++);
+        EXPECT_EQ(isSameButForRounding(each.meant, each.read), each.isSame);
+        EXPECT_EQ(isSameButForRounding(each.read, each.meant), each.isSame);
+    }
+}
+
 }  // namespace
 }  // namespace vexqt::cli
