@@ -43,10 +43,10 @@ std::string digestOf(File& file, const std::vector<MediaProof::Range>& ranges,
 
 }  // namespace
 
-MediaProof::MediaProof(const std::filesystem::path& movie, Console& console) {
+MediaProof::MediaProof(const std::filesystem::path& movie, Console& console, FileSystem& files) {
     ProgressLine progress(console, "reading the media");
     std::error_code error;
-    const auto file = systemFiles().openForReading(movie, error);
+    const auto file = files.openForReading(movie, error);
     if (!error) ranges_ = mediaIn(*file, error);
     if (!error) before_ = digestOf(*file, ranges_, progress, error);
     if (error) throw Failure("the media cannot be read: " + error.message());

@@ -20,7 +20,8 @@ public:
 
     /// Reads the media before the save.
     /// \throws Failure where that cannot be done.
-    MediaProof(const std::filesystem::path& movie, Console& console);
+    MediaProof(const std::filesystem::path& movie, Console& console,
+               FileSystem& files = systemFiles());
 
     /// Reads the same ranges after it, in the movie or in the copy.
     void readAgain(const std::filesystem::path& saved, Console& console);

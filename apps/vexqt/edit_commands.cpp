@@ -48,8 +48,8 @@ struct Assignment {
     }
 };
 
-/// The files that a command takes values and atoms from. Each is read once, although a change is
-/// made twice where a copy is saved.
+/// The files that a command takes values and atoms from. Each is read once, although a change may
+/// be made twice.
 class Inputs {
 public:
     Inputs(const Arguments& arguments, Console& console)

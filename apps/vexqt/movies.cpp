@@ -12,10 +12,12 @@
 #include "apps/vexqt/printable.h"
 #include "apps/vexqt/save_report.h"
 #include "vexqt/asset/AtomPath.h"
+#include "vexqt/platform/MemoryFileSystem.h"
 #include "vexqt/platform/files.h"
 #include "vexqt/platform/log.h"
 #include "vexqt/saving/SafeSave.h"
 #include "vexqt/saving/recovery.h"
+#include "vexqt/saving/whole_files.h"
 
 namespace vexqt::cli {
 
@@ -231,7 +233,7 @@ std::string wayOut(const SaveResult& result, const Arguments& arguments) {
         return std::ranges::count(result.plan.findings(), id, &Finding::id) > 0;
     };
     if (has("file-changed") || has("read-again-first")) return "run the command again";
-    if (has("no-room")) return "--force does not help, as there is no place for it";
+    if (!result.plan.canBeForced()) return "--force does not help, as there is nothing to write";
     std::string way;
     if (arguments.exact && !arguments.isAlwaysExact) way = "try it without --exact; ";
     if (arguments.inPlace) way += "-o OUT leaves this file as it is; ";
@@ -265,49 +267,6 @@ std::string explained(const std::string& file, const SaveResult& result, bool is
     return what + " (-o OUT saves into a copy)";
 }
 
-/// A file beside the one that it is to become, removed if it never does.
-class Draft {
-public:
-    explicit Draft(const std::string& file) : target_(file) {
-        std::error_code error;
-        const auto there = systemFiles().identityOf(target_, error);
-        check(error);
-        if (there) {
-            if (!there->isRegular) throw Failure("is no regular file");
-            target_ = systemFiles().resolve(target_, error);  // A link stays a link.
-            check(error);
-        }
-        path_ = target_.parent_path() /
-                ("." + target_.filename().string() + ".vexqt-" + std::to_string(::getpid()));
-    }
-    ~Draft() {
-        std::error_code ignored;
-        if (!isDone_) systemFiles().remove(path_, ignored);
-    }
-    Draft(const Draft&) = delete;
-    Draft& operator=(const Draft&) = delete;
-
-    const fs::path& path() const { return path_; }
-
-    void write(ByteView bytes) {
-        std::error_code error;
-        const auto file = systemFiles().create(path_, IfExists::Refuse, error);
-        check(error);
-        file->writeAt(0, bytes, error);
-        check(error);
-    }
-    void finish() {
-        std::error_code error;
-        systemFiles().rename(path_, target_, error);
-        check(error);
-        isDone_ = true;
-    }
-
-private:
-    fs::path target_, path_;
-    bool isDone_ = false;
-};
-
 /// Says how a save went; a refusal and a failure leave by way of Failure.
 void conclude(const std::string& file, const SaveResult& result, const Arguments& arguments,
               Console& console) {
@@ -336,20 +295,26 @@ void conclude(const std::string& file, const SaveResult& result, const Arguments
     throw Failure(explained(file, result, !arguments.output));
 }
 
-/// The names of one save. A copy's own is not there before the end.
 struct SavePlaces {
-    std::string name;                   ///< Of what is saved, for people.
-    std::optional<std::string> source;  ///< Of what a copy is made of.
-    fs::path before;                    ///< Where the media lies before the save.
-    fs::path after;                     ///< And where it lies when it is done.
+    std::string file;                   ///< What is saved; a copy is not there before the end.
+    std::optional<std::string> source;  ///< What a copy is made of,
+    const Bytes* memory = nullptr;      ///< and its bytes, where they are only in memory.
 };
+
+MediaProof proofOf(const SavePlaces& places, Console& console) {
+    if (places.memory == nullptr) return {places.source.value_or(places.file), console};
+    static constexpr const char* kName = "/movie";
+    MemoryFileSystem memory;
+    memory.put(kName, *places.memory);
+    return {kName, console, memory};
+}
 
 /// Saves, and tells of it: on standard error what a person should know, on standard output what a
 /// program has asked for.
 void saveAndTell(const SavePlaces& places, const Arguments& arguments, Console& console,
                  UndoStore* undoStore, const std::function<SaveResult(const SaveOptions&)>& save) {
     std::optional<MediaProof> media;
-    if (arguments.digestsMedia) media.emplace(places.before, console);
+    if (arguments.digestsMedia) media = proofOf(places, console);
     SaveResult result;
     const Interruption interruption;
     {
@@ -364,13 +329,12 @@ void saveAndTell(const SavePlaces& places, const Arguments& arguments, Console& 
                        .progress = report});
     }
     // A copy that was not made is no place to look into; something else may have its name.
-    const bool isThere =
-        places.before == places.after || result.outcome == SaveResult::Outcome::Saved;
-    if (media && isThere) media->readAgain(places.after, console);
+    const bool isThere = !places.source || result.outcome == SaveResult::Outcome::Saved;
+    if (media && isThere) media->readAgain(places.file, console);
     if (arguments.reports)
-        writeReport(console.out, {.file = places.name, .source = places.source}, result,
+        writeReport(console.out, {.file = places.file, .source = places.source}, result,
                     media ? &*media : nullptr);
-    conclude(places.name, result, arguments, console);
+    conclude(places.file, result, arguments, console);
     if (media) media->requireSame();
     interruption.check();  // It came too late to stop the save.
 }
@@ -404,9 +368,7 @@ void requireTarget(const std::string& output, const std::string& source) {
 }
 
 void writeWhole(const std::string& file, ByteView bytes) {
-    Draft draft(file);
-    draft.write(bytes);
-    draft.finish();
+    if (const auto failure = vexqt::writeWhole(file, bytes)) throw Failure(failure->what);
 }
 
 namespace {
@@ -446,7 +408,7 @@ ExitStatus changeAndSave(const Arguments& arguments, Console& console,
             change(*asset);
         }
         UndoStore undoStore = undoStoreFor(arguments);
-        const SavePlaces places = {.name = file, .source = {}, .before = file, .after = file};
+        const SavePlaces places = {.file = file, .source = {}};
         saveAndTell(places, arguments, console, &undoStore,
                     [&](const SaveOptions& saving) { return saveInPlace(*asset, saving); });
     });
@@ -454,19 +416,12 @@ ExitStatus changeAndSave(const Arguments& arguments, Console& console,
 
     return attempt(*arguments.output, console, [&] {
         const std::string& output = *arguments.output;
-        SavePlaces places = {.name = output, .source = file, .before = file, .after = output};
-        if (!isFromMemory)
-            return saveAndTell(places, arguments, console, nullptr, [&](const SaveOptions& saving) {
-                return saveCopy(*asset, output, saving);
-            });
-        Draft draft(output);
-        draft.write(bytes);
-        asset = openMovie(draft.path(), options);
-        change(*asset);
-        places.before = places.after = draft.path();
-        saveAndTell(places, arguments, console, nullptr,
-                    [&](const SaveOptions& saving) { return saveInPlace(*asset, saving); });
-        draft.finish();
+        const SavePlaces places = {
+            .file = output, .source = file, .memory = isFromMemory ? &bytes : nullptr};
+        saveAndTell(places, arguments, console, nullptr, [&](const SaveOptions& saving) {
+            return isFromMemory ? saveCopy(*asset, bytes, output, saving)
+                                : saveCopy(*asset, output, saving);
+        });
     });
 }
 

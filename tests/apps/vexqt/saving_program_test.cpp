@@ -307,8 +307,8 @@ TEST_F(RefusedSaves, ForWantOfRoomAreNotForced) {
                                               "=mp42", "--in-place"};
         if (isForced) arguments.push_back("--force");
         expectRefused(arguments,
-                      "[no-room]; nothing was written (--force does not help, as there "
-                      "is no place for it)");
+                      "[no-room]; nothing was written (--force does not help, as there is "
+                      "nothing to write)");
     }
 }
 
