@@ -1,5 +1,6 @@
-# Installs the library as the CMake package VexQt, which gives VexQt::vexqt, and the programs.
-# Nothing in the package names the place that it was installed to, so that it may be moved.
+# Installs the libraries as the CMake package VexQt, and the programs. The package gives VexQt::vexqt,
+# and VexQt::inspector to those who ask for the component inspector: nobody else needs Qt. Nothing in
+# it names the place that it was installed to, so that it may be moved.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -13,6 +14,16 @@ install(EXPORT VexQt
   NAMESPACE VexQt::
   FILE VexQtTargets.cmake
   DESTINATION ${package})
+if(TARGET vexqt_inspector)
+  set_target_properties(vexqt_inspector PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+  install(TARGETS vexqt_inspector EXPORT VexQtInspector FILE_SET HEADERS)
+  install(EXPORT VexQtInspector
+    NAMESPACE VexQt::
+    FILE VexQtInspectorTargets.cmake
+    DESTINATION ${package})
+endif()
 
 # A static library leaves it to its users to link what it needs.
 get_target_property(type vexqt TYPE)

@@ -126,10 +126,12 @@ void FormBinder::bindMask(QWidget& widget, const Field& field, std::uint64_t mas
         if (!isMixed) box->setTristate(false);
     });
     if (field.set == nullptr) return makeReadOnly(*box);
-    storeWhenChanged(*box, [this, box, &field, mask] {
+    stores_.insert(box, [this, box, &field, mask] {
         const std::uint64_t others = integerFrom(valueOf(field)).value_or(0) & ~mask;
         setValue(*box, toQString(field.name), others | (box->isChecked() ? mask : 0));
     });
+    // From mixed to checked nothing is toggled.
+    connect(box, &QCheckBox::stateChanged, this, &FormBinder::storeFromSender);
 }
 
 /// What an absent property becomes when somebody wants it there.
@@ -191,10 +193,13 @@ void FormBinder::bindVisibility(QWidget& widget, const char* rule, bool isShownW
     if (key.isEmpty()) return;
     const Field* field = fieldNamed(widget, key);
     if (field == nullptr) return;
-    if (field->kind != ValueKind::Boolean)
-        return report(widget, QStringLiteral("%1 is no Boolean").arg(key));
-    shows_.push_back([this, &widget, field, isShownWhen] {
-        widget.setVisible((integerFrom(valueOf(*field)) == 1) == isShownWhen);
+    const bool isBoolean = field->kind == ValueKind::Boolean;
+    if (!isBoolean && !field->isOptional)
+        return report(widget, QStringLiteral("%1 is no Boolean and not optional").arg(key));
+    shows_.push_back([this, &widget, field, isBoolean, isShownWhen] {
+        const Value value = valueOf(*field);
+        const bool holds = isBoolean ? value == Value(true) : !value.isAbsent();
+        widget.setVisible(holds == isShownWhen);
     });
 }
 

@@ -10,15 +10,17 @@
 namespace vexqt {
 
 /// Binds the widgets of a form to an atom's properties, by what the widgets' dynamic properties
-/// say.
+/// say:
 ///
-/// `key` names the property that a widget shows and sets, by way of the widget's user property;
-/// with `mask` a check box has only those bits of an integer. `presenceOf` lets a check box say
-/// whether a property that can be absent is there. `visibleWhen` and `visibleWhenNot` name a
-/// Boolean property that shows or hides a widget; `onlyWhere` lists the classes of atoms that it is
-/// for. `controllerKey` and `fontKey` name a property of the controller that is a label's text or a
-/// widget's font. `listKey` names a list for a table view or a ListEditor. `secondsOf` and
-/// `timeScaleKey` make a label tell a time in seconds.
+/// - `key`: the property that a widget shows and sets, by way of the widget's user property; with
+///   `mask` a check box has only those bits of an integer.
+/// - `presenceOf`: the property whose presence a check box shows and sets.
+/// - `visibleWhen`, `visibleWhenNot`: what shows or hides a widget, a Boolean property or the
+///   presence of one that can be absent.
+/// - `onlyWhere`: the classes of atoms that a widget and those inside it are for.
+/// - `controllerKey`, `fontKey`: the controller's property that is a widget's text or its font.
+/// - `listKey`: the list that a table view or a ListEditor shows.
+/// - `secondsOf`, `timeScaleKey`: a label tells the one in seconds.
 ///
 /// Properties are reached by their names alone, and every edit goes through the controller.
 class FormBinder final : public QObject {

@@ -30,7 +30,7 @@ QWidget* FormLoader::createWidget(const QString& className, QWidget* parent, con
         own->setObjectName(name);
         return own;
     }
-    if (availableWidgets().contains(className))
+    if (className == QLatin1String("Line") || availableWidgets().contains(className))
         return QUiLoader::createWidget(className, parent, name);
     problems_.append(QStringLiteral("%1: no widget is a %2").arg(name, className));
     auto* empty = new QWidget(parent);

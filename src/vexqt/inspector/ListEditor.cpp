@@ -4,6 +4,7 @@
 #include <QBoxLayout>
 #include <QHeaderView>
 #include <QToolButton>
+#include <set>
 
 #include "vexqt/inspector/ListTableModel.h"
 
@@ -41,34 +42,34 @@ QAction* ListActions::addAction(const QString& name, const QString& text,
 
 void ListActions::insert() {
     // Behind the current row; without one at the end.
-    const int row =
-        view_.currentIndex().isValid() ? view_.currentIndex().row() + 1 : model_.rowCount();
-    if (model_.insertRows(row, 1)) selectRow(row);
+    const QModelIndex current = view_.currentIndex();
+    const int row = current.isValid() ? current.row() + 1 : model_.rowCount();
+    if (model_.insertRows(row, 1)) makeCurrent(row, current.column());
 }
 
 void ListActions::remove() {
-    // Rows that are selected side by side go at once, others run by run, the last first.
-    QList<int> rows;
+    const int column = view_.currentIndex().column();
+    std::set<int> rows;
     for (const QModelIndex& index : view_.selectionModel()->selectedIndexes())
-        if (!rows.contains(index.row())) rows.append(index.row());
-    std::ranges::sort(rows, std::greater());
-    while (!rows.isEmpty()) {
-        const int last = rows.takeFirst();
+        rows.insert(index.row());
+    // Run by run, the last first, so that the numbers of the others stay right.
+    while (!rows.empty()) {
+        const int last = *rows.rbegin();
         int first = last;
-        while (!rows.isEmpty() && rows.first() == first - 1) first = rows.takeFirst();
+        while (rows.erase(first) == 1 && rows.contains(first - 1)) --first;
         if (!model_.removeRows(first, last - first + 1)) return;
-        if (rows.isEmpty()) selectRow(std::min(first, model_.rowCount() - 1));
+        makeCurrent(std::min(first, model_.rowCount() - 1), column);
     }
 }
 
 void ListActions::move(int by) {
     const int row = view_.currentIndex().row();
-    if (model_.moveEntry(row, row + by)) selectRow(row + by);
+    const int column = view_.currentIndex().column();
+    if (model_.moveEntry(row, row + by)) makeCurrent(row + by, column);
 }
 
-void ListActions::selectRow(int row) {
-    const int column = std::max(view_.currentIndex().column(), 0);
-    view_.setCurrentIndex(model_.index(row, column));
+void ListActions::makeCurrent(int row, int column) {
+    view_.setCurrentIndex(model_.index(row, std::max(column, 0)));
 }
 
 void ListActions::updateEnabled() {

@@ -29,7 +29,8 @@ private:
     void moveUp() { move(-1); }
     void moveDown() { move(1); }
     void move(int by);
-    void selectRow(int row);
+    /// Edits leave no cell the current one.
+    void makeCurrent(int row, int column);
     void updateEnabled();
 
     InspectorTableView& view_;

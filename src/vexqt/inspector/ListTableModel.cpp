@@ -116,8 +116,9 @@ QVariant ListTableModel::cell(int row, int column) const {
 }
 
 Qt::ItemFlags ListTableModel::flags(const QModelIndex& index) const {
+    if (!index.isValid()) return TableModel::flags(index);
     const Qt::ItemFlags plain = TableModel::flags(index) | Qt::ItemNeverHasChildren;
-    return index.isValid() && isEditable(index.column()) ? plain | Qt::ItemIsEditable : plain;
+    return isEditable(index.column()) ? plain | Qt::ItemIsEditable : plain;
 }
 
 bool ListTableModel::setData(const QModelIndex& index, const QVariant& value, int role) {

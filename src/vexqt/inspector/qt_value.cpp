@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QImage>
 #include <QTimeZone>
+#include <algorithm>
 
 namespace vexqt {
 
@@ -71,8 +72,8 @@ QVariant toVariant(const Value& value) {
         QVariant operator()(const std::string& text) const { return toQString(text); }
         QVariant operator()(const Bytes& bytes) const {
             // An empty byte array is not a null one: present and empty is not absent.
-            QByteArray copy("");
-            for (const std::uint8_t byte : bytes) copy.append(static_cast<char>(byte));
+            QByteArray copy(static_cast<qsizetype>(bytes.size()), Qt::Uninitialized);
+            std::ranges::copy(bytes, copy.begin());
             return copy;
         }
         QVariant operator()(Date date) const {
