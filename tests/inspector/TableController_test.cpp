@@ -450,6 +450,17 @@ private slots:
         QCOMPARE(model.index(0, 1).data(), "77");
     }
 
+    void aTableWithTheFocusTellsItsList() {
+        VexQTstssAtom stss;
+        VexQTstssAtomViewController controller("Grid", forms_.path(), &stss);
+        const QSignalSpy focused(&controller, &VexQTAtomViewController::fieldFocused);
+        controller.view()->show();
+        controller.view()->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(controller.view()));
+        controller.table()->setFocus();
+        QCOMPARE(focused.last()[0], "syncSamples");
+    }
+
     void twentyMillionEntriesAreShownAtOnce() {
         constexpr std::uint32_t kEntries = 20'000'000;
         const auto stss = syncSamplesInMemory(kEntries);

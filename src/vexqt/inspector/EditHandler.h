@@ -21,7 +21,8 @@ public:
     };
 
     virtual ~EditHandler() = default;
-    /// Calls redo once, now. Whoever undoes or repeats an edit later refreshes the views himself.
+    /// Calls redo once, now, and leaves the view that the edit comes from alive. Whoever undoes or
+    /// repeats an edit later refreshes the views.
     virtual void perform(Edit edit) = 0;
 };
 

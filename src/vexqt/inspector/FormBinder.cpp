@@ -24,6 +24,9 @@ static QString textProperty(const QWidget& widget, const char* name) {
 FormBinder::FormBinder(QWidget& form, VexQTAtomViewController& controller)
     : QObject(&form), form_(form), controller_(controller), atom_(*controller.atom()) {
     bind(form_);
+    const auto* tables = qobject_cast<const TableController*>(&controller_);
+    if (tables != nullptr && tables->table() != nullptr)
+        keys_.insert(tables->table(), tables->listName());
     connect(qApp, &QApplication::focusChanged, this,
             [this](QWidget*, QWidget* focused) { follow(focused); });
     showAll();
@@ -67,9 +70,11 @@ const Field* FormBinder::fieldNamed(const QWidget& widget, const QString& key) {
 
 /// Shows a text where there is no user property to show a value.
 static void showText(QWidget& widget, const QVariant& value) {
-    const bool isWhole =
-        value.typeId() == QMetaType::LongLong || value.typeId() == QMetaType::ULongLong;
-    widget.setProperty("text", isWhole ? QLocale().toString(value.toLongLong()) : value.toString());
+    const QLocale locale;
+    QString text = value.toString();
+    if (value.typeId() == QMetaType::LongLong) text = locale.toString(value.toLongLong());
+    if (value.typeId() == QMetaType::ULongLong) text = locale.toString(value.toULongLong());
+    widget.setProperty("text", text);
 }
 
 static void makeReadOnly(QWidget& widget) {

@@ -65,7 +65,7 @@ private:
     VexQTAtom& atom_;
     std::vector<std::function<void()>> shows_;
     QHash<const QObject*, Store> stores_;
-    QHash<const QWidget*, QString> keys_;  ///< Of the widgets that have the focus for a property.
+    QHash<const QWidget*, QString> keys_;  ///< What each widget is the field of.
     QString focusedKey_;
     QStringList problems_;
 };

@@ -1,6 +1,7 @@
 #include "vexqt/inspector/TableModel.h"
 
 #include <QCoreApplication>
+#include <algorithm>
 #include <limits>
 
 #include "vexqt/inspector/ValueFormatter.h"
@@ -33,7 +34,8 @@ std::vector<TableColumn> tableColumns(const QObject& described, const QString& c
     return columns;
 }
 
-QString formattedText(const ValueFormatter& formatter, const QVariant& value) {
+/// A zero byte of a code shows as a symbol that can be seen.
+static QString formattedText(const ValueFormatter& formatter, const QVariant& value) {
     constexpr QChar kSymbolForNull(u'\u2400');
     return toQString(formatter.stringForObjectValue(fromVariant(value)))
         .replace(QChar(u'\0'), kSymbolForNull);

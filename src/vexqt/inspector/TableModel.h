@@ -55,7 +55,4 @@ private:
     int rows_ = 0;
 };
 
-/// A value as its formatter shows it, and a zero byte of a code as a symbol that can be seen.
-QString formattedText(const ValueFormatter& formatter, const QVariant& value);
-
 }  // namespace vexqt
