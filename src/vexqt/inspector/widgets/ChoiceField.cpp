@@ -52,13 +52,14 @@ void ChoiceField::wheelEvent(QWheelEvent* event) { event->ignore(); }
 
 void ChoiceField::commit() {
     if (lineEdit()->isReadOnly() || currentText() == textForValue()) {
-        if (isRefused_) showValue();
+        if (refused_) showValue();
         return;
     }
+    if (refused_ == currentText()) return;
     QString why;
     const std::optional<QVariant> named = form_.valueOf(beforeDash(currentText()), why);
     if (!named) {
-        isRefused_ = true;
+        refused_ = currentText();
         mark(*lineEdit(), why);
         emit editRefused(why);
         return;
@@ -76,8 +77,8 @@ void ChoiceField::showValue() {
     setEditText(text);
     lineEdit()->setCursorPosition(0);
     lineEdit()->setPlaceholderText(value_.isValid() ? QString() : tr("absent"));
-    if (isRefused_) mark(*lineEdit(), {});
-    isRefused_ = false;
+    if (refused_) mark(*lineEdit(), {});
+    refused_.reset();
 }
 
 QString ChoiceField::textForValue() const {

@@ -25,7 +25,7 @@ public:
     void setFormatter(const QString& className) { form_.setFormatter(className); }
     void configure(const Field& field) override;
     void setReadOnly(bool readOnly) override;
-    bool isAcceptable() const override { return !isRefused_; }
+    bool isAcceptable() const override { return !refused_; }
     void showPopup() override;
 
 signals:
@@ -43,7 +43,7 @@ private:
 
     FieldText form_{FieldText::Form::Decimal};
     QVariant value_;
-    bool isRefused_ = false;
+    std::optional<QString> refused_;  ///< The text that stands there and is no value.
 };
 
 }  // namespace vexqt

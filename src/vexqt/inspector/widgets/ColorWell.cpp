@@ -50,10 +50,12 @@ void ColorWell::setReadOnly(bool readOnly) { isReadOnly_ = readOnly; }
 
 void ColorWell::choose() {
     if (isReadOnly_) return;
-    auto* dialog = new QColorDialog(value_.value<QColor>(), this);
+    auto* dialog = new QColorDialog(this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setWindowTitle(accessibleName());
+    // In this order: without the option a colour loses its alpha.
     dialog->setOption(QColorDialog::ShowAlphaChannel, hasAlpha_);
+    dialog->setCurrentColor(value_.value<QColor>());
     connect(dialog, &QColorDialog::colorSelected, this, &ColorWell::take);
     dialog->open();
 }
@@ -69,7 +71,9 @@ void ColorWell::take(const QColor& color) {
 
 void ColorWell::showValue() {
     const auto color = value_.value<QColor>();
-    setIcon(swatch(color, iconSize(), devicePixelRatioF()));
+    QColor painted = color;
+    if (!hasAlpha_ && color.isValid()) painted.setAlpha(255);
+    setIcon(swatch(painted, iconSize(), devicePixelRatioF()));
     QString text = tr("absent");
     if (color.isValid()) text = color.name(QColor::HexRgb).toUpper();
     if (color.isValid() && hasAlpha_)

@@ -14,6 +14,9 @@ namespace vexqt {
 /// More bytes than that are no property of a movie that people edit by hand.
 static constexpr qint64 kMostBytesOfFile = qint64{256} << 20;
 
+/// Between the frame and the bytes, in pixels.
+static constexpr int kMargin = 4;
+
 static bool isPrintable(char byte) { return byte >= ' ' && byte <= '~'; }
 
 static int valueOfDigit(QChar digit) {
@@ -44,7 +47,7 @@ void DataField::configure(const Field&) {}
 
 void DataField::setReadOnly(bool readOnly) {
     isReadOnly_ = readOnly;
-    viewport()->update();
+    arrange();
 }
 
 void DataField::takeFile(const QString& path) {
@@ -66,11 +69,13 @@ void DataField::takeFile(const QString& path) {
 QSize DataField::sizeHint() const {
     const int width = columnsInAll() * fontMetrics().horizontalAdvance(u'0');
     const int frame = 2 * frameWidth();
-    return {width + frame + verticalScrollBar()->sizeHint().width(), 8 * rowHeight() + frame};
+    return {width + frame + 2 * kMargin + verticalScrollBar()->sizeHint().width(),
+            8 * rowHeight() + frame + kMargin};
 }
 
 QSize DataField::minimumSizeHint() const {
-    return {fontMetrics().horizontalAdvance(u'0') * 40, 3 * rowHeight() + 2 * frameWidth()};
+    return {fontMetrics().horizontalAdvance(u'0') * 40,
+            2 * rowHeight() + 2 * frameWidth() + kMargin};
 }
 
 // MARK: Drawing
@@ -94,19 +99,28 @@ int DataField::columnOf(Half half, int byteOfRow) const {
 
 int DataField::columnsInAll() const { return columnOf(Half::Printable, bytesOfRow_) + 1; }
 
+/// What can be edited has a place behind the last byte.
+qsizetype DataField::rowCount() const {
+    const qsizetype places = bytes_.size() + (isReadOnly_ ? 0 : 1);
+    return (places + bytesOfRow_ - 1) / bytesOfRow_;
+}
+
 int DataField::rowHeight() const { return fontMetrics().lineSpacing() + 2; }
 
-int DataField::rowsInSight() const { return qMax(1, viewport()->height() / rowHeight()); }
+int DataField::rowsInSight() const {
+    return qMax(1, (viewport()->height() - kMargin) / rowHeight());
+}
 
 void DataField::arrange() {
     const int width = fontMetrics().horizontalAdvance(u'0');
     bytesOfRow_ = 16;
-    if (columnsInAll() * width > viewport()->width()) bytesOfRow_ = 8;
-    const qsizetype rows = bytes_.size() / bytesOfRow_ + 1;
+    if (columnsInAll() * width + kMargin > viewport()->width()) bytesOfRow_ = 8;
+    const qsizetype rows = rowCount();
     verticalScrollBar()->setPageStep(rowsInSight());
     verticalScrollBar()->setRange(0, static_cast<int>(qMax<qsizetype>(0, rows - rowsInSight())));
     horizontalScrollBar()->setPageStep(viewport()->width());
-    horizontalScrollBar()->setRange(0, qMax(0, columnsInAll() * width - viewport()->width()));
+    horizontalScrollBar()->setRange(
+        0, qMax(0, columnsInAll() * width + kMargin - viewport()->width()));
     viewport()->update();
 }
 
@@ -119,9 +133,9 @@ void DataField::paintEvent(QPaintEvent*) {
                          value_.isValid() ? tr("no bytes") : tr("absent"));
         return;
     }
-    painter.translate(-horizontalScrollBar()->value(), 0);
+    painter.translate(kMargin - horizontalScrollBar()->value(), kMargin);
     const qsizetype first = verticalScrollBar()->value();
-    const qsizetype rows = bytes_.size() / bytesOfRow_ + 1;
+    const qsizetype rows = rowCount();
     for (qsizetype row = first; row < qMin(rows, first + rowsInSight() + 1); ++row)
         paintRow(painter, row, static_cast<int>(row - first) * rowHeight());
 }
@@ -270,12 +284,12 @@ void DataField::mouseMoveEvent(QMouseEvent* event) {
 
 void DataField::point(const QPoint& at, Selection selection) {
     const int width = fontMetrics().horizontalAdvance(u'0');
-    const int column = (at.x() + horizontalScrollBar()->value()) / width;
+    const int column = (at.x() - kMargin + horizontalScrollBar()->value()) / width;
     const bool isPrintableHalf = column >= columnOf(Half::Printable, 0);
     half_ = isPrintableHalf ? Half::Printable : Half::Hexadecimal;
     int byteOfRow = 0;
     while (byteOfRow + 1 < bytesOfRow_ && columnOf(half_, byteOfRow + 1) <= column) ++byteOfRow;
-    const qsizetype row = verticalScrollBar()->value() + at.y() / rowHeight();
+    const qsizetype row = verticalScrollBar()->value() + qMax(0, at.y() - kMargin) / rowHeight();
     moveCaret(row * bytesOfRow_ + byteOfRow, selection);
 }
 

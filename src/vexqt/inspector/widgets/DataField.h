@@ -55,6 +55,7 @@ private:
     int digitsOfOffset() const;
     int columnOf(Half half, int byteOfRow) const;
     int columnsInAll() const;
+    qsizetype rowCount() const;
     int rowHeight() const;
     int rowsInSight() const;
     void arrange();

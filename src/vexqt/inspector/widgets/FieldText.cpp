@@ -3,11 +3,7 @@
 #include <charconv>
 #include <cmath>
 
-#include "vexqt/inspector/Hex1ByteFormatter.h"
-#include "vexqt/inspector/Hex2ByteFormatter.h"
-#include "vexqt/inspector/Hex4ByteFormatter.h"
-#include "vexqt/inspector/Hex8ByteFormatter.h"
-#include "vexqt/inspector/OSTypeFormatter.h"
+#include "vexqt/inspector/ValueFormatter.h"
 #include "vexqt/inspector/qt_value.h"
 #include "vexqt/inspector/widgets/language_codes.h"
 
@@ -17,32 +13,6 @@ namespace {
 
 /// A zero byte of a code is a character that can be seen.
 constexpr QChar kSymbolForNull(u'\u2400');
-
-struct NamedFormatter {
-    const char* className;
-    std::string (*text)(const Value& value);
-    bool (*value)(Value& value, std::string_view text);
-};
-
-template <class Formatter>
-constexpr NamedFormatter named(const char* className) {
-    return {className, [](const Value& value) { return Formatter().stringForObjectValue(value); },
-            [](Value& value, std::string_view text) {
-                return Formatter().getObjectValue(value, text, nullptr);
-            }};
-}
-
-constexpr NamedFormatter kFormatters[] = {
-    named<Hex1ByteFormatter>("Hex1ByteFormatter"), named<Hex2ByteFormatter>("Hex2ByteFormatter"),
-    named<Hex4ByteFormatter>("Hex4ByteFormatter"), named<Hex8ByteFormatter>("Hex8ByteFormatter"),
-    named<OSTypeFormatter>("OSTypeFormatter"),
-};
-
-const NamedFormatter* formatterNamed(const QString& className) {
-    for (const NamedFormatter& formatter : kFormatters)
-        if (className == QLatin1String(formatter.className)) return &formatter;
-    return nullptr;
-}
 
 template <class Float>
 QString shortest(Float number) {
@@ -73,8 +43,9 @@ void FieldText::configure(const Field& field) {
 }
 
 void FieldText::setFormatter(const QString& className) {
-    formatter_ = formatterNamed(className) != nullptr ? className : QString();
-    if (!formatter_.isEmpty()) form_ = Form::Formatted;
+    formatter_ = formatterNamed(fromQString(className));
+    if (formatter_ != nullptr) form_ = Form::Formatted;
+    formatterName_ = formatter_ != nullptr ? className : QString();
 }
 
 QString FieldText::textFor(const QVariant& value) const {
@@ -83,9 +54,8 @@ QString FieldText::textFor(const QVariant& value) const {
         const double number = value.toDouble();
         return isSingle_ ? shortest(static_cast<float>(number)) : shortest(number);
     }
-    const NamedFormatter* formatter = formatterNamed(formatter_);
-    if (form_ == Form::Formatted && formatter != nullptr) {
-        QString text = toQString(formatter->text(fromVariant(value)));
+    if (form_ == Form::Formatted && formatter_ != nullptr) {
+        QString text = toQString(formatter_->stringForObjectValue(fromVariant(value)));
         return text.replace(QChar::Null, kSymbolForNull);
     }
     return value.toString();
@@ -164,7 +134,6 @@ std::optional<QVariant> FieldText::plainOf(const QString& text, QString& why) co
 }
 
 std::optional<QVariant> FieldText::formattedOf(const QString& text, QString& why) const {
-    const NamedFormatter* formatter = formatterNamed(formatter_);
     QString plain = text;
     plain.replace(kSymbolForNull, QChar::Null);
     // Spaces between the prefix and the digits are how the formatter itself fills up a number.
@@ -172,9 +141,9 @@ std::optional<QVariant> FieldText::formattedOf(const QString& text, QString& why
     if (trimmed.startsWith(QLatin1String("0x  ")))
         plain = QLatin1String("0x") + trimmed.mid(2).trimmed();
     Value value;
-    if (formatter != nullptr && formatter->value(value, fromQString(plain)))
+    if (formatter_ != nullptr && formatter_->getObjectValue(value, fromQString(plain), nullptr))
         return toVariant(value);
-    why = formatter_ == QLatin1String("OSTypeFormatter")
+    why = formatterName_ == QLatin1String("OSTypeFormatter")
               ? tr("“%1” is no code: four ASCII characters at most.").arg(text)
               : tr("“%1” is no hexadecimal number.").arg(text);
     return std::nullopt;

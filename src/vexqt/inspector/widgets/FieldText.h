@@ -9,6 +9,8 @@
 
 namespace vexqt {
 
+class ValueFormatter;
+
 /// How a value stands as text in a field, and which texts name a value.
 ///
 /// Digits and decimal points are those of the C locale wherever the program runs, so that what was
@@ -33,7 +35,7 @@ public:
     /// By its class name, such as "OSTypeFormatter"; an empty or unknown name leaves the field
     /// without one.
     void setFormatter(const QString& className);
-    const QString& formatter() const { return formatter_; }
+    const QString& formatter() const { return formatterName_; }
     /// Of a floating number; both ends belong to it.
     void setMinimum(double minimum) { minimum_ = minimum; }
     double minimum() const { return minimum_; }
@@ -56,7 +58,8 @@ private:
     QString outOfRange() const;
 
     Form form_;
-    QString formatter_;
+    QString formatterName_;
+    const ValueFormatter* formatter_ = nullptr;  ///< Null for none.
     std::int64_t least_ = std::numeric_limits<std::int64_t>::min();
     std::uint64_t most_ = std::numeric_limits<std::uint64_t>::max();
     bool isSingle_ = false;  ///< Whether a floating number is kept in 32 bits.

@@ -14,7 +14,7 @@ public:
     explicit HexField(QWidget* parent = nullptr);
 
     QString formatter() const { return form_.formatter(); }
-    void setFormatter(const QString& className) { form_.setFormatter(className); }
+    void setFormatter(const QString& className);
     void configure(const Field& field) override;
 };
 

@@ -39,16 +39,22 @@ void LineField::keyPressEvent(QKeyEvent* event) {
     QLineEdit::keyPressEvent(event);
 }
 
+void LineField::setColumns(int columns) {
+    columns_ = columns;
+    updateGeometry();
+}
+
 void LineField::commit() {
     // What nobody changed is not read back: the text may say less than the value holds.
     if (isReadOnly() || text() == form_.textFor(value_)) {
-        if (isRefused_) showValue();
+        if (refused_) showValue();
         return;
     }
+    if (refused_ == text()) return;
     QString why;
     const std::optional<QVariant> named = form_.valueOf(text(), why);
     if (!named) {
-        isRefused_ = true;
+        refused_ = text();
         mark(*this, why);
         emit editRefused(why);
         return;
@@ -63,8 +69,8 @@ void LineField::showValue() {
     setText(form_.textFor(value_));
     setPlaceholderText(value_.isValid() ? QString() : tr("absent"));
     if (columns_ == 0) setCursorPosition(0);
-    if (isRefused_) mark(*this, {});
-    isRefused_ = false;
+    if (refused_) mark(*this, {});
+    refused_.reset();
 }
 
 }  // namespace vexqt

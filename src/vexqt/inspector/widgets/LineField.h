@@ -19,7 +19,7 @@ public:
     void setValue(const QVariant& value);
     void configure(const Field& field) override;
     void setReadOnly(bool readOnly) override;
-    bool isAcceptable() const override { return !isRefused_; }
+    bool isAcceptable() const override { return !refused_; }
     QSize sizeHint() const override;
 
 signals:
@@ -30,6 +30,7 @@ protected:
     /// A field of about that many characters; 0 for one that takes the room there is.
     LineField(FieldText::Form form, int columns, QWidget* parent);
     void keyPressEvent(QKeyEvent* event) override;
+    void setColumns(int columns);
 
     FieldText form_;
 
@@ -39,7 +40,7 @@ private:
 
     QVariant value_;
     int columns_;
-    bool isRefused_ = false;
+    std::optional<QString> refused_;  ///< The text that stands there and is no value.
 };
 
 }  // namespace vexqt

@@ -32,12 +32,13 @@ void TextArea::keyPressEvent(QKeyEvent* event) {
 void TextArea::commit() {
     QString text = toPlainText();
     if (isReadOnly() || text == shown_) {
-        if (isRefused_) showValue();
+        if (refused_) showValue();
         return;
     }
+    if (refused_ == text) return;
     QString why;
     if (!form_.valueOf(text, why)) {
-        isRefused_ = true;
+        refused_ = text;
         mark(*this, why);
         emit editRefused(why);
         return;
@@ -59,8 +60,8 @@ void TextArea::showValue() {
     if (toPlainText() != text) setPlainText(text);
     shown_ = toPlainText();
     setPlaceholderText(value_.isValid() ? QString() : tr("absent"));
-    if (isRefused_) mark(*this, {});
-    isRefused_ = false;
+    if (refused_) mark(*this, {});
+    refused_.reset();
 }
 
 }  // namespace vexqt

@@ -21,7 +21,7 @@ public:
     void setValue(const QVariant& value);
     void configure(const Field& field) override;
     void setReadOnly(bool readOnly) override;
-    bool isAcceptable() const override { return !isRefused_; }
+    bool isAcceptable() const override { return !refused_; }
     bool isAsciiOnly() const { return form_.isAsciiOnly(); }
     void setAsciiOnly(bool asciiOnly) { form_.setAsciiOnly(asciiOnly); }
 
@@ -40,7 +40,7 @@ private:
     FieldText form_;
     QVariant value_;
     QString shown_;
-    bool isRefused_ = false;
+    std::optional<QString> refused_;  ///< The text that stands there and is no value.
 };
 
 }  // namespace vexqt
