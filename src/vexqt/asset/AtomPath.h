@@ -11,12 +11,13 @@
 #pragma once
 
 #include "vexqt/core/VexQTAtom.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
 /// A text that is no path, or a path that names nothing in this movie. The message says which part
 /// of the path failed and what is there instead.
-class PathError : public Error {
+class VEXQT_EXPORT PathError : public Error {
 public:
     enum class Reason { Malformed, NamesNothing };
 
@@ -35,7 +36,7 @@ struct AtomPlace {
 };
 
 /// A property of an atom or, where that is a list, one of its rows or cells.
-struct PropertyPlace {
+struct VEXQT_EXPORT PropertyPlace {
     VexQTAtom* atom = nullptr;
     VexQTAtom* root = nullptr;
     const Field* property = nullptr;
@@ -54,7 +55,7 @@ struct PropertyPlace {
     void setValue(const Value& value) const;
 };
 
-class AtomPath {
+class VEXQT_EXPORT AtomPath {
 public:
     using Atoms = std::vector<std::unique_ptr<VexQTAtom>>;
 

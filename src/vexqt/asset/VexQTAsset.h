@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "vexqt/atoms/structure/VexQTmoovAtom.h"
+#include "vexqt/export.h"
 #include "vexqt/platform/files.h"
 
 namespace vexqt {
@@ -22,7 +23,7 @@ struct ReadOptions {
 ///
 /// Media data and free space are never read. The asset owns its root atoms, and they their
 /// subtrees; root atoms have no parent.
-class VexQTAsset {
+class VEXQT_EXPORT VexQTAsset {
 public:
     /// A movie made in memory: an empty movie atom, valid, without a file.
     VexQTAsset();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "vexqt/core/VexQTAtom.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
@@ -10,7 +11,7 @@ namespace vexqt {
 /// Strictly, a child that reaches past the end, declines its bytes or raises ends the reading. A
 /// tolerant reading keeps what is there of it, as a generic atom with its raw bytes where its class
 /// does not take them, and lists the problem.
-class ChildMaker {
+class VEXQT_EXPORT ChildMaker {
 public:
     ChildMaker(VexQTAtom& holder, AtomReader& in) : holder_(holder), in_(in) {}
 

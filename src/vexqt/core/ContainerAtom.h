@@ -1,11 +1,12 @@
 #pragma once
 
 #include "vexqt/core/VexQTAtom.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
 /// An atom that holds nothing but other atoms. Its class's child table says which.
-class ContainerAtom : public VexQTAtom {
+class VEXQT_EXPORT ContainerAtom : public VexQTAtom {
 public:
     /// Reads every child from the reader's position on. A type that the table does not name becomes
     /// a generic atom; a size of 0 counts from the container's start, not from the child's.
@@ -20,10 +21,11 @@ protected:
 
 /// The class that a child table gives to a child: the generic one when no line covers it, null when
 /// it is to be dropped.
-const AtomClass* classOfChild(std::span<const ChildRule> table, OSType type, std::uint64_t size);
+VEXQT_EXPORT const AtomClass* classOfChild(std::span<const ChildRule> table, OSType type,
+                                           std::uint64_t size);
 
 /// The children of an atom, one after another, as they are written whatever way they were read.
-void appendChildren(const Record& atom, ByteWriter& out);
+VEXQT_EXPORT void appendChildren(const Record& atom, ByteWriter& out);
 
 /// The row of a container's children.
 inline constexpr Field childAtoms = {
@@ -52,7 +54,7 @@ inline constexpr Field childCount = {
                 static_cast<std::uint32_t>(static_cast<const VexQTAtom&>(atom).children().size()));
         }};
 /// The number in the row childCount, for the row that stands next.
-std::uint32_t childCountBefore(const AtomReader& in);
+VEXQT_EXPORT std::uint32_t childCountBefore(const AtomReader& in);
 
 /// All the rows of a plain container.
 inline constexpr Field kOnlyChildAtoms[] = {childAtoms};

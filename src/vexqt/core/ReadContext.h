@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "vexqt/core/os_type.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
@@ -47,7 +48,7 @@ struct Survey {
 /// Atoms nested deeper are a NestingError: no real movie comes near.
 inline constexpr std::size_t kDeepestNesting = 256;
 
-class ReadContext {
+class VEXQT_EXPORT ReadContext {
 public:
     using Siblings = std::vector<std::unique_ptr<VexQTAtom>>;
 

@@ -10,6 +10,7 @@
 #include <utility>
 #include <variant>
 
+#include "vexqt/export.h"
 #include "vexqt/platform/Color.h"
 #include "vexqt/platform/Picture.h"
 #include "vexqt/platform/bytes_types.h"
@@ -23,7 +24,7 @@ class VexQTAtom;
 using Matrix = std::array<double, 9>;
 
 /// A tagged number: a signed or unsigned integer of 64 bits, or a single-precision float.
-class Number {
+class VEXQT_EXPORT Number {
 public:
     Number() = default;
     template <std::integral T>
@@ -55,7 +56,7 @@ using ValueVariant =
 ///
 /// An unsigned property gives std::uint64_t, a signed one std::int64_t, a floating one double,
 /// whatever its width. Integers compare by what they count, not by their type.
-class Value : public ValueVariant {
+class VEXQT_EXPORT Value : public ValueVariant {
 public:
     Value() = default;
     template <std::same_as<bool> T>  // No pointer is taken for one.
@@ -84,12 +85,12 @@ public:
     bool isAbsent() const { return std::holds_alternative<std::monostate>(*this); }
 };
 
-bool operator==(const Value& left, const Value& right);
+VEXQT_EXPORT bool operator==(const Value& left, const Value& right);
 
 /// The value as an integer of 64 bits, two's complement; absent where it is no number. A fraction
 /// is cut off.
-std::optional<std::uint64_t> integerFrom(const Value& value);
+VEXQT_EXPORT std::optional<std::uint64_t> integerFrom(const Value& value);
 /// The value as a double; absent where it is no number.
-std::optional<double> doubleFrom(const Value& value);
+VEXQT_EXPORT std::optional<double> doubleFrom(const Value& value);
 
 }  // namespace vexqt

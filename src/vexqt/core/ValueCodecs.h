@@ -6,10 +6,11 @@
 #pragma once
 
 #include "vexqt/core/os_type.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
-struct ValueCodecs {
+struct VEXQT_EXPORT ValueCodecs {
     /// Four characters, one a byte, from the most significant byte down; bytes above 0x7F are the
     /// characters U+0080 to U+00FF, unprintable bytes stand for themselves.
     static std::string stringWithOSType(OSType code);

@@ -6,6 +6,7 @@
 #include "vexqt/core/ReadContext.h"
 #include "vexqt/core/ValueCodecs.h"
 #include "vexqt/core/hex.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
@@ -20,7 +21,7 @@ struct Extent {
 ///
 /// An atom owns its children. It does not own its parent, and the parent of a child is whatever the
 /// child was made or told with: adding a child does not change it.
-class VexQTAtom : public Record, public ValueCodecs {
+class VEXQT_EXPORT VexQTAtom : public Record, public ValueCodecs {
 public:
     static const AtomClass kClass;
 

@@ -13,6 +13,7 @@
 
 #include "vexqt/core/AtomReader.h"
 #include "vexqt/core/Value.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
@@ -155,7 +156,7 @@ constexpr ValueKind kindOf() {
     return ValueKind::None;
 }
 
-[[noreturn]] void throwWrongKind();
+[[noreturn]] VEXQT_EXPORT void throwWrongKind();
 
 /// Setting an empty value on a number sets 0; on what can be absent it makes it absent. An integer
 /// keeps the low bits of a wider value; a number object takes any plain number.

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#include "vexqt/export.h"
+
 namespace vexqt {
 
 /// A four-character code, the first character in the most significant byte.
@@ -24,14 +26,14 @@ consteval OSType operator""_os(const char* text, std::size_t length) {
 inline constexpr OSType kAnyType = "????"_os;
 
 /// Four characters, one a byte: a byte above 0x7F is the character U+0080 to U+00FF.
-std::string textFromCode(OSType code);
+VEXQT_EXPORT std::string textFromCode(OSType code);
 /// The inverse: "????" for any text that is not four such characters.
-OSType codeFromText(std::string_view text);
+VEXQT_EXPORT OSType codeFromText(std::string_view text);
 
 /// A code as it stands in a path: its characters, or 0x and eight hexadecimal digits where one of
 /// them is not printable ASCII or has a meaning in paths.
-std::string pathSegment(OSType code);
+VEXQT_EXPORT std::string pathSegment(OSType code);
 /// The same of an atom with that many of its type before it: "trak", or "trak[2]" for the third.
-std::string pathSegment(OSType code, std::size_t before);
+VEXQT_EXPORT std::string pathSegment(OSType code, std::size_t before);
 
 }  // namespace vexqt

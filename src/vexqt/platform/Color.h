@@ -3,13 +3,15 @@
 #include <array>
 #include <cstddef>
 
+#include "vexqt/export.h"
+
 namespace vexqt {
 
 /// A calibrated red-green-blue-alpha colour or a grey-level one; components lie between 0 and 1.
 ///
 /// The two kinds are kept apart: black as a grey level has no red, and is not equal to black as
 /// red, green and blue. Asking a colour for a component of the other kind is a ColorSpaceError.
-class Color {
+class VEXQT_EXPORT Color {
 public:
     static constexpr Color rgb(double red, double green, double blue, double alpha = 1.0) {
         return {Kind::RGB, {red, green, blue}, alpha};

@@ -3,6 +3,7 @@
 #include <map>
 #include <set>
 
+#include "vexqt/export.h"
 #include "vexqt/platform/files.h"
 
 namespace vexqt {
@@ -12,7 +13,7 @@ namespace vexqt {
 ///
 /// Folders are not told apart from parts of names and always exist. A file holds a gigabyte at
 /// most; more is no_space_on_device.
-class MemoryFileSystem final : public FileSystem {
+class VEXQT_EXPORT MemoryFileSystem final : public FileSystem {
 public:
     struct Node;
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 
+#include "vexqt/export.h"
 #include "vexqt/platform/bytes_types.h"
 
 namespace vexqt {
@@ -18,7 +19,7 @@ struct PictureSize {
 
 /// A still image: rows from top to bottom, each pixel its red, green, blue and alpha byte, the
 /// colours not multiplied by alpha. Pictures never change; copies share their pixels.
-class Picture {
+class VEXQT_EXPORT Picture {
 public:
     /// The most pixels that a picture may have.
     static constexpr std::uint64_t kMostPixels = std::uint64_t{64} << 20;

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "vexqt/export.h"
+
 namespace vexqt {
 
 /// Reading or editing failed.
@@ -14,7 +16,7 @@ namespace vexqt {
 /// Every atom that an error leaves puts itself in front of the path, and the innermost one says
 /// where it lies, so a host can tell what is broken: "moov.trak[2].mdia at 8: 4 bytes wanted at
 /// 24, 24 there".
-class Error : public std::runtime_error {
+class VEXQT_EXPORT Error : public std::runtime_error {
 public:
     explicit Error(const std::string& message);
     // Declared so that a moved error is a copied one: an error always has its texts.
@@ -44,7 +46,7 @@ private:
 };
 
 /// A read past the end of a byte buffer, or a walk that would not move forward.
-class RangeError : public Error {
+class VEXQT_EXPORT RangeError : public Error {
 public:
     /// Bytes were wanted where there are fewer: "4 bytes wanted at 24, 24 there".
     RangeError(std::uint64_t offset, std::uint64_t count, std::uint64_t length);
@@ -63,31 +65,31 @@ private:
 };
 
 /// An absent child was appended to a child list.
-class InsertionError : public Error {
+class VEXQT_EXPORT InsertionError : public Error {
 public:
     using Error::Error;
 };
 
 /// Atoms are nested deeper than any real movie nests them.
-class NestingError : public Error {
+class VEXQT_EXPORT NestingError : public Error {
 public:
     using Error::Error;
 };
 
 /// A component was asked of a colour that is of the other kind.
-class ColorSpaceError : public Error {
+class VEXQT_EXPORT ColorSpaceError : public Error {
 public:
     using Error::Error;
 };
 
 /// There is no property of that name.
-class UndefinedKeyError : public Error {
+class VEXQT_EXPORT UndefinedKeyError : public Error {
 public:
     explicit UndefinedKeyError(std::string_view key);
 };
 
 /// A property was given a value of the wrong kind.
-class ValueError : public Error {
+class VEXQT_EXPORT ValueError : public Error {
 public:
     using Error::Error;
     /// Names the property: "timeScale: a value of the wrong kind".
@@ -95,7 +97,7 @@ public:
 };
 
 /// What an atom holds has no form in the file.
-class EncodingError : public Error {
+class VEXQT_EXPORT EncodingError : public Error {
 public:
     using Error::Error;
 };

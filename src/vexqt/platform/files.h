@@ -16,6 +16,7 @@
 #include <system_error>
 #include <vector>
 
+#include "vexqt/export.h"
 #include "vexqt/platform/bytes_types.h"
 
 namespace vexqt {
@@ -41,7 +42,7 @@ struct FileIdentity {
 };
 
 /// An open regular file; closed, and its lock given up, when it goes.
-class File {
+class VEXQT_EXPORT File {
 public:
     File() = default;
     File(const File&) = delete;
@@ -78,7 +79,7 @@ using CopyProgress = std::function<void(std::uint64_t done, std::uint64_t total)
 ///
 /// Only regular files are opened: a folder is is_a_directory, a pipe or device not_supported, and
 /// none of them blocks.
-class FileSystem {
+class VEXQT_EXPORT FileSystem {
 public:
     FileSystem() = default;
     FileSystem(const FileSystem&) = delete;
@@ -130,6 +131,6 @@ public:
 };
 
 /// The files of this machine.
-FileSystem& systemFiles();
+VEXQT_EXPORT FileSystem& systemFiles();
 
 }  // namespace vexqt

@@ -4,15 +4,17 @@
 #include <functional>
 #include <string_view>
 
+#include "vexqt/export.h"
+
 namespace vexqt {
 
 using LogSink = std::function<void(std::string_view line)>;
 
 /// Writes a line to the system log and hands it to the sink, if there is one.
-void log(std::string_view line);
+VEXQT_EXPORT void log(std::string_view line);
 
 /// Hands every further line to the sink, an empty one for nobody; gives back the one before. May
 /// be called at any time and from any thread, from within a sink too.
-LogSink setLogSink(LogSink sink);
+VEXQT_EXPORT LogSink setLogSink(LogSink sink);
 
 }  // namespace vexqt

@@ -2,12 +2,13 @@
 #pragma once
 
 #include "vexqt/core/VexQTAtom.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
 /// An atom as it was read, empty atoms in the place of its children, and where its parts lie in its
 /// bytes.
-struct AtomAsRead {
+struct VEXQT_EXPORT AtomAsRead {
     explicit AtomAsRead(const VexQTAtom& atom);
 
     SharedBytes part(std::size_t start, std::size_t end) const {
@@ -24,13 +25,13 @@ struct AtomAsRead {
 };
 
 /// What a row's class writes for a record; absent where the row is not in the file.
-std::optional<Bytes> encodedRow(const Field& row, const Record& record);
+VEXQT_EXPORT std::optional<Bytes> encodedRow(const Field& row, const Record& record);
 
 /// The properties that a row of the class reads and writes: itself, or those that stand right
 /// behind an irregular one.
 std::span<const Field> propertiesOf(const AtomClass& cls, const Field& row);
 
 /// The name of a row for people: its own, or that of the property whose bytes it holds.
-std::string_view nameOfRow(const AtomClass& cls, const Field& row);
+VEXQT_EXPORT std::string_view nameOfRow(const AtomClass& cls, const Field& row);
 
 }  // namespace vexqt

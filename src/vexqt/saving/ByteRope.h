@@ -1,12 +1,13 @@
 #pragma once
 
 #include "vexqt/core/bytes.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
 /// A long run of bytes put together from parts of what was read and from new ones, without a copy
 /// of either.
-class ByteRope {
+class VEXQT_EXPORT ByteRope {
 public:
     /// A part that lies right behind the one before it, in the same block, becomes one with it.
     void append(const SharedBytes& part);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "vexqt/core/VexQTAtom.h"
+#include "vexqt/export.h"
 #include "vexqt/saving/Finding.h"
 
 namespace vexqt {
@@ -14,6 +15,6 @@ namespace vexqt {
 /// - "atom-dropped": bytes or a child are not written at all
 /// - "atom-refuses": the class cannot write what the atom holds
 /// - "size-disagrees": the size field does not tell the number of bytes
-std::vector<Finding> exactWritingFindings(VexQTAtom& root, std::string_view rootPath);
+VEXQT_EXPORT std::vector<Finding> exactWritingFindings(VexQTAtom& root, std::string_view rootPath);
 
 }  // namespace vexqt

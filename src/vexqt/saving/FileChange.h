@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "vexqt/core/bytes.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
@@ -29,7 +30,7 @@ struct FileWrite {
 };
 
 /// All that changes in one file, which is done as a whole or not at all.
-struct FileChange {
+struct VEXQT_EXPORT FileChange {
     /// In the order of their offsets, none reaching into the next. What the file becomes longer by
     /// and none of them covers is zeros; where there is a flip they cover all of it.
     std::vector<FileWrite> writes;

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "vexqt/core/VexQTAtom.h"
+#include "vexqt/export.h"
 #include "vexqt/platform/files.h"
 
 namespace vexqt {
@@ -21,7 +22,7 @@ struct RootExtent {
 };
 
 /// What lies where in a file, from header to header. Only headers are read.
-struct FileLayout {
+struct VEXQT_EXPORT FileLayout {
     std::vector<RootExtent> atoms;
     std::uint64_t fileLength = 0;
 

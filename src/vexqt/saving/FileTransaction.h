@@ -15,13 +15,14 @@
 #include <string>
 #include <vector>
 
+#include "vexqt/export.h"
 #include "vexqt/platform/files.h"
 #include "vexqt/saving/FileChange.h"
 #include "vexqt/saving/SaveFailure.h"
 
 namespace vexqt {
 
-class FileTransaction {
+class VEXQT_EXPORT FileTransaction {
 public:
     struct Callbacks {
         /// Bytes kept and written, of how many. It may throw to stop, and the file is as it was.

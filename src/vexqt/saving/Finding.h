@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "vexqt/export.h"
 #include "vexqt/saving/FileChange.h"
 
 namespace vexqt {
@@ -16,7 +17,7 @@ enum class Severity {
 };
 
 /// "note", "changes", "destroys".
-std::string_view textOf(Severity severity);
+VEXQT_EXPORT std::string_view textOf(Severity severity);
 
 /// Something that a save would do, told before anything is written.
 struct Finding {

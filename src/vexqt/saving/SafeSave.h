@@ -2,6 +2,7 @@
 // changed.
 #pragma once
 
+#include "vexqt/export.h"
 #include "vexqt/saving/SaveFailure.h"
 #include "vexqt/saving/SavePlan.h"
 #include "vexqt/saving/UndoStore.h"
@@ -40,17 +41,19 @@ struct SaveResult {
 /// interrupted save has begun.
 ///
 /// The asset keeps telling where things lay before; read the file again before saving once more.
-SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options = {},
-                       FileSystem& files = systemFiles());
+VEXQT_EXPORT SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options = {},
+                                    FileSystem& files = systemFiles());
 
 /// Saves an asset into a copy of the file that it was read from. What is wrong with the save is
 /// found out before anything is copied. The copy takes its name only when it is whole, and replaces
 /// what had that name; it has the permissions and extended attributes of the original.
-SaveResult saveCopy(VexQTAsset& asset, const std::filesystem::path& copy,
-                    const SaveOptions& options = {}, FileSystem& files = systemFiles());
+VEXQT_EXPORT SaveResult saveCopy(VexQTAsset& asset, const std::filesystem::path& copy,
+                                 const SaveOptions& options = {},
+                                 FileSystem& files = systemFiles());
 
 /// The same for an asset that was read from these bytes in memory.
-SaveResult saveCopy(VexQTAsset& asset, ByteView movie, const std::filesystem::path& copy,
-                    const SaveOptions& options = {}, FileSystem& files = systemFiles());
+VEXQT_EXPORT SaveResult saveCopy(VexQTAsset& asset, ByteView movie,
+                                 const std::filesystem::path& copy, const SaveOptions& options = {},
+                                 FileSystem& files = systemFiles());
 
 }  // namespace vexqt

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "vexqt/asset/VexQTAsset.h"
+#include "vexqt/export.h"
 #include "vexqt/saving/FileChange.h"
 #include "vexqt/saving/FileLayout.h"
 #include "vexqt/saving/Finding.h"
@@ -17,7 +18,7 @@ enum class SaveForm {
 };
 
 /// What a save will do to a file, found out without writing anything.
-class SavePlan {
+class VEXQT_EXPORT SavePlan {
 public:
     /// How the new movie gets its place, from the gentlest way on.
     enum class Way {
@@ -80,6 +81,6 @@ private:
 };
 
 /// "nothing", "patch", "in the old place", "move".
-std::string_view textOf(SavePlan::Way way);
+VEXQT_EXPORT std::string_view textOf(SavePlan::Way way);
 
 }  // namespace vexqt

@@ -7,6 +7,7 @@
 // child is made of stays as well: dropped children, a last bare header, bytes behind the end.
 #pragma once
 
+#include "vexqt/export.h"
 #include "vexqt/saving/AtomRows.h"
 #include "vexqt/saving/ByteRope.h"
 
@@ -21,7 +22,7 @@ struct Edit {
     bool changesMore = false;
 };
 
-class Surgery {
+class VEXQT_EXPORT Surgery {
 public:
     /// The atom's bytes, children included. An atom made in memory is written as its class writes
     /// it.
@@ -56,14 +57,14 @@ struct EditedRow {
 
 /// Those that were read, but for the values that differ between what would be written of them and
 /// what would be written now.
-EditedRow mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now);
+VEXQT_EXPORT EditedRow mergedRow(const Field& row, ByteView read, ByteView wouldBe, ByteView now);
 
 /// The same for a row of an atom: where its list has entries of lengths of their own, each of them
 /// that was not edited keeps its bytes.
 ///
 /// Absent where nobody edited the row, or where its class cannot write what was read.
 /// \throws EncodingError where the edit has no form in the file.
-std::optional<EditedRow> editedRow(const Survey::Part& part, const AtomAsRead& read,
-                                   const VexQTAtom& atom);
+VEXQT_EXPORT std::optional<EditedRow> editedRow(const Survey::Part& part, const AtomAsRead& read,
+                                                const VexQTAtom& atom);
 
 }  // namespace vexqt

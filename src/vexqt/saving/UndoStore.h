@@ -11,11 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "vexqt/export.h"
 #include "vexqt/saving/FileTransaction.h"
 
 namespace vexqt {
 
-class UndoStore {
+class VEXQT_EXPORT UndoStore {
 public:
     /// What is older, more or longer than this is not kept.
     struct Limits {
@@ -74,6 +75,7 @@ struct UndoResult {
 };
 
 /// Takes back the last save of a file, and with the next call the one before.
-UndoResult undo(FileSystem& files, const UndoStore& store, const std::filesystem::path& path);
+VEXQT_EXPORT UndoResult undo(FileSystem& files, const UndoStore& store,
+                             const std::filesystem::path& path);
 
 }  // namespace vexqt

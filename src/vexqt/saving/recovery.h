@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "vexqt/export.h"
 #include "vexqt/platform/files.h"
 #include "vexqt/saving/SaveFailure.h"
 
@@ -33,13 +34,13 @@ enum class IfChanged {
 
 /// The journal beside a movie, if there is one. It may be that of a save that goes on at this
 /// moment.
-std::optional<std::filesystem::path> findJournal(FileSystem& files,
-                                                 const std::filesystem::path& path,
-                                                 std::error_code& error);
+VEXQT_EXPORT std::optional<std::filesystem::path> findJournal(FileSystem& files,
+                                                              const std::filesystem::path& path,
+                                                              std::error_code& error);
 
 /// Ends what a save that was interrupted has begun. It may be interrupted itself and then be done
 /// again.
-RecoveryResult recover(FileSystem& files, const std::filesystem::path& path,
-                       IfChanged ifChanged = IfChanged::Refuse);
+VEXQT_EXPORT RecoveryResult recover(FileSystem& files, const std::filesystem::path& path,
+                                    IfChanged ifChanged = IfChanged::Refuse);
 
 }  // namespace vexqt

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The dimensions of a track in one aperture mode. Its three classes differ in their flags alone.
-class ApertureDimensionsAtom : public VexQTAtom {
+class VEXQT_EXPORT ApertureDimensionsAtom : public VexQTAtom {
 public:
     /// In pixels.
     double width() const { return width_; }

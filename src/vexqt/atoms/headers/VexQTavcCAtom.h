@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The configuration that an AVC decoder needs, kept as raw bytes.
-class VexQTavcCAtom final : public AtomOf<VexQTavcCAtom> {
+class VEXQT_EXPORT VexQTavcCAtom final : public AtomOf<VexQTavcCAtom> {
 public:
     static const AtomClass kClass;
 

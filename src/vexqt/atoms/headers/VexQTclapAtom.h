@@ -8,7 +8,7 @@ namespace vexqt {
 /// fractions of pixels.
 ///
 /// The offsets of its centre from the picture's are kept unsigned too: negative ones wrap.
-class VexQTclapAtom final : public AtomOf<VexQTclapAtom> {
+class VEXQT_EXPORT VexQTclapAtom final : public AtomOf<VexQTclapAtom> {
 public:
     static const AtomClass kClass;
 

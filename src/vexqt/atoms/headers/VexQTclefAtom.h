@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The dimensions of a track with the clean aperture.
-class VexQTclefAtom final : public AtomOf<VexQTclefAtom, ApertureDimensionsAtom> {
+class VEXQT_EXPORT VexQTclefAtom final : public AtomOf<VexQTclefAtom, ApertureDimensionsAtom> {
 public:
     static const AtomClass kClass;
 };

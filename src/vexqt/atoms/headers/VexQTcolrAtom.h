@@ -7,7 +7,7 @@ namespace vexqt {
 /// How the colours of a picture are meant.
 ///
 /// The range byte that newer files have at the end is dropped and not counted.
-class VexQTcolrAtom final : public AtomOf<VexQTcolrAtom> {
+class VEXQT_EXPORT VexQTcolrAtom final : public AtomOf<VexQTcolrAtom> {
 public:
     static const AtomClass kClass;
 

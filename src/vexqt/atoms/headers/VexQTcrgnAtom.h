@@ -8,7 +8,7 @@ namespace vexqt {
 ///
 /// Its size and its box are read with their bytes reversed and written as they are held, so an atom
 /// that nobody edited is written with the bytes of these two reversed.
-class VexQTcrgnAtom final : public AtomOf<VexQTcrgnAtom> {
+class VEXQT_EXPORT VexQTcrgnAtom final : public AtomOf<VexQTcrgnAtom> {
 public:
     static const AtomClass kClass;
 

@@ -7,7 +7,7 @@ namespace vexqt {
 /// The bounds of the composition offsets and of the times that they lead to.
 ///
 /// Offsets and times are kept unsigned: negative ones wrap.
-class VexQTcslgAtom final : public AtomOf<VexQTcslgAtom> {
+class VEXQT_EXPORT VexQTcslgAtom final : public AtomOf<VexQTcslgAtom> {
 public:
     static const AtomClass kClass;
 

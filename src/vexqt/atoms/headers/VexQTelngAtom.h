@@ -8,7 +8,7 @@ namespace vexqt {
 ///
 /// An atom that was read answers the type 'enlg', its second and third letters exchanged, so it is
 /// not found under 'elng'. What is written is 'elng' all the same.
-class VexQTelngAtom final : public AtomOf<VexQTelngAtom> {
+class VEXQT_EXPORT VexQTelngAtom final : public AtomOf<VexQTelngAtom> {
 public:
     static const AtomClass kClass;
 

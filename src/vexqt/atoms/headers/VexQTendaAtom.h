@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The byte order of samples.
-class VexQTendaAtom final : public AtomOf<VexQTendaAtom> {
+class VEXQT_EXPORT VexQTendaAtom final : public AtomOf<VexQTendaAtom> {
 public:
     static const AtomClass kClass;
 

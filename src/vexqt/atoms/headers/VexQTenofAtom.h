@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The dimensions of a track as its picture is encoded, pixels taken for square.
-class VexQTenofAtom final : public AtomOf<VexQTenofAtom, ApertureDimensionsAtom> {
+class VEXQT_EXPORT VexQTenofAtom final : public AtomOf<VexQTenofAtom, ApertureDimensionsAtom> {
 public:
     static const AtomClass kClass;
 };

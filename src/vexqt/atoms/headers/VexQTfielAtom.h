@@ -7,7 +7,7 @@ namespace vexqt {
 /// How the fields of an interlaced picture lie.
 ///
 /// Bytes behind the two properties are dropped and not counted.
-class VexQTfielAtom final : public AtomOf<VexQTfielAtom> {
+class VEXQT_EXPORT VexQTfielAtom final : public AtomOf<VexQTfielAtom> {
 public:
     static const AtomClass kClass;
 

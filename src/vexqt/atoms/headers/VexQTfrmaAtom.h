@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The format that the samples have behind a wrapper or their protection.
-class VexQTfrmaAtom final : public AtomOf<VexQTfrmaAtom> {
+class VEXQT_EXPORT VexQTfrmaAtom final : public AtomOf<VexQTfrmaAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The base media information: how a media that is neither video nor sound is drawn and heard.
-class VexQTgminAtom final : public AtomOf<VexQTgminAtom> {
+class VEXQT_EXPORT VexQTgminAtom final : public AtomOf<VexQTgminAtom> {
 public:
     static const AtomClass kClass;
 

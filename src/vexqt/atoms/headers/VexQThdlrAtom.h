@@ -8,7 +8,7 @@ namespace vexqt {
 ///
 /// The name follows the fixed fields either as a counted or as a zero-terminated string. Which of
 /// the two it was is remembered and written back.
-class VexQThdlrAtom final : public AtomOf<VexQThdlrAtom> {
+class VEXQT_EXPORT VexQThdlrAtom final : public AtomOf<VexQThdlrAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The media header: a media's time scale, duration and language.
-class VexQTmdhdAtom final : public AtomOf<VexQTmdhdAtom> {
+class VEXQT_EXPORT VexQTmdhdAtom final : public AtomOf<VexQTmdhdAtom> {
 public:
     static const AtomClass kClass;
 

@@ -7,7 +7,7 @@ namespace vexqt {
 /// The movie header: time scale, duration, preferred playback and geometry of the whole movie.
 ///
 /// Only the layout of 108 bytes with 32-bit times is understood, whatever the version byte says.
-class VexQTmvhdAtom final : public AtomOf<VexQTmvhdAtom> {
+class VEXQT_EXPORT VexQTmvhdAtom final : public AtomOf<VexQTmvhdAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The shape of a pixel: its width to its height.
-class VexQTpaspAtom final : public AtomOf<VexQTpaspAtom> {
+class VEXQT_EXPORT VexQTpaspAtom final : public AtomOf<VexQTpaspAtom> {
 public:
     static const AtomClass kClass;
 

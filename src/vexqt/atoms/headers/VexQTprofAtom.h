@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The dimensions of a track with the whole picture.
-class VexQTprofAtom final : public AtomOf<VexQTprofAtom, ApertureDimensionsAtom> {
+class VEXQT_EXPORT VexQTprofAtom final : public AtomOf<VexQTprofAtom, ApertureDimensionsAtom> {
 public:
     static const AtomClass kClass;
 };

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The scheme that protects a sample format.
-class VexQTschmAtom final : public AtomOf<VexQTschmAtom> {
+class VEXQT_EXPORT VexQTschmAtom final : public AtomOf<VexQTschmAtom> {
 public:
     static const AtomClass kClass;
 

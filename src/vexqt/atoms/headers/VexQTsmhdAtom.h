@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The sound media information header: the balance between the two sides.
-class VexQTsmhdAtom final : public AtomOf<VexQTsmhdAtom> {
+class VEXQT_EXPORT VexQTsmhdAtom final : public AtomOf<VexQTsmhdAtom> {
 public:
     static const AtomClass kClass;
 

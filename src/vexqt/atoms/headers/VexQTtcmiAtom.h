@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The timecode media information: font and colours in which a timecode is drawn.
-class VexQTtcmiAtom final : public AtomOf<VexQTtcmiAtom> {
+class VEXQT_EXPORT VexQTtcmiAtom final : public AtomOf<VexQTtcmiAtom> {
 public:
     static const AtomClass kClass;
 

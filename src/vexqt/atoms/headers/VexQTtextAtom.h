@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The text media information: a matrix and nothing else, not even a version.
-class VexQTtextAtom final : public AtomOf<VexQTtextAtom> {
+class VEXQT_EXPORT VexQTtextAtom final : public AtomOf<VexQTtextAtom> {
 public:
     static const AtomClass kClass;
 

@@ -7,7 +7,7 @@ namespace vexqt {
 /// The track header: a track's identity, duration, place among the layers, and presentation size.
 ///
 /// Only the layout of 92 bytes with 32-bit times is understood, whatever the version byte says.
-class VexQTtkhdAtom final : public AtomOf<VexQTtkhdAtom> {
+class VEXQT_EXPORT VexQTtkhdAtom final : public AtomOf<VexQTtkhdAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The timecode media information header, which holds how a timecode is drawn.
-class VexQTtmcdAtom final : public AtomOf<VexQTtmcdAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTtmcdAtom final : public AtomOf<VexQTtmcdAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The video media information header: how a video track is drawn over what lies behind it.
-class VexQTvmhdAtom final : public AtomOf<VexQTvmhdAtom> {
+class VEXQT_EXPORT VexQTvmhdAtom final : public AtomOf<VexQTvmhdAtom> {
 public:
     static const AtomClass kClass;
 

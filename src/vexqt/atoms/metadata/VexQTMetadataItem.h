@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// A metadata item: the values of one key, or of one classic code such as 'trkn'.
-class VexQTMetadataItem final : public AtomOf<VexQTMetadataItem, ContainerAtom> {
+class VEXQT_EXPORT VexQTMetadataItem final : public AtomOf<VexQTMetadataItem, ContainerAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// An annotation that is nothing but text up to its end.
-class VexQTUserDataDirectTextItem final : public AtomOf<VexQTUserDataDirectTextItem> {
+class VEXQT_EXPORT VexQTUserDataDirectTextItem final : public AtomOf<VexQTUserDataDirectTextItem> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// A classic annotation: one counted text in one language.
-class VexQTUserDataTextItem final : public AtomOf<VexQTUserDataTextItem> {
+class VEXQT_EXPORT VexQTUserDataTextItem final : public AtomOf<VexQTUserDataTextItem> {
 public:
     static const AtomClass kClass;
 

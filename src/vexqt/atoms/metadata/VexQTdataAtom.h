@@ -31,7 +31,7 @@ inline constexpr std::string_view VexQTDataAtomType_Unknown = "VexQTDataAtomType
 ///
 /// The type indicator, the length and the item's code decide when it is read what kind of value it
 /// is. From then on the kind alone decides: a changed type indicator changes nothing but itself.
-class VexQTdataAtom final : public AtomOf<VexQTdataAtom> {
+class VEXQT_EXPORT VexQTdataAtom final : public AtomOf<VexQTdataAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The item list: every child is a metadata item, whatever its code.
-class VexQTilstAtom final : public AtomOf<VexQTilstAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTilstAtom final : public AtomOf<VexQTilstAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

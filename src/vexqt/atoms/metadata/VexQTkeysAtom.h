@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The name of a kind of metadata items: "com.example.title" in the namespace 'mdta'.
-class VexQTKeyEntry : public Record {
+class VEXQT_EXPORT VexQTKeyEntry : public Record {
 public:
     VexQTKeyEntry() = default;
     VexQTKeyEntry(std::int64_t keyIndex, OSType nameSpace, std::optional<std::string> value)
@@ -38,7 +38,7 @@ private:
 /// this list, counted from 1.
 ///
 /// Changing the list leaves the items as they are; see keyed_items.h for changing both.
-class VexQTkeysAtom final : public AtomOf<VexQTkeysAtom> {
+class VEXQT_EXPORT VexQTkeysAtom final : public AtomOf<VexQTkeysAtom> {
 public:
     static const AtomClass kClass;
 

@@ -9,7 +9,7 @@ namespace vexqt {
 /// Below user data it is a full atom, with a version and flags in front of its children; anywhere
 /// else the children come at once. Files from elsewhere have it the other way round. A tolerant
 /// reading sees that and the atom is written as it was found.
-class VexQTmetaAtom final : public AtomOf<VexQTmetaAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTmetaAtom final : public AtomOf<VexQTmetaAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// User data: free-form annotations of a movie or a track.
-class VexQTudtaAtom final : public AtomOf<VexQTudtaAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTudtaAtom final : public AtomOf<VexQTudtaAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

@@ -17,29 +17,30 @@ inline constexpr OSType kKeyNameSpace = "mdta"_os;
 
 /// The keys that count for an item list: of its siblings the nearest, the earlier of two as near.
 /// Null where there are none.
-VexQTkeysAtom* keysOfItems(const VexQTilstAtom& items);
+VEXQT_EXPORT VexQTkeysAtom* keysOfItems(const VexQTilstAtom& items);
 
 /// The key of an item; null where its list has no keys, or none at that place.
-const VexQTKeyEntry* keyOfItem(const VexQTMetadataItem& item);
+VEXQT_EXPORT const VexQTKeyEntry* keyOfItem(const VexQTMetadataItem& item);
 
 /// The first item of a list whose key has that text; null for none.
-VexQTMetadataItem* itemWithKey(const VexQTilstAtom& items, std::string_view key);
+VEXQT_EXPORT VexQTMetadataItem* itemWithKey(const VexQTilstAtom& items, std::string_view key);
 
 /// A UTF-8 text for an item to hold.
-std::unique_ptr<VexQTdataAtom> dataAtomWithText(std::string_view text);
+VEXQT_EXPORT std::unique_ptr<VexQTdataAtom> dataAtomWithText(std::string_view text);
 
 /// Adds an item, and its key where that is new. What is missing of handler, keys and item list is
 /// made. The sizes of all atoms above grow.
 ///
 /// \throws ValueError where an item has the key's place already, the key is not ASCII, or the items
 /// go by classic codes.
-VexQTMetadataItem& addKeyedItem(VexQTmetaAtom& metadata, OSType nameSpace, const std::string& key,
-                                std::unique_ptr<VexQTdataAtom> value);
+VEXQT_EXPORT VexQTMetadataItem& addKeyedItem(VexQTmetaAtom& metadata, OSType nameSpace,
+                                             const std::string& key,
+                                             std::unique_ptr<VexQTdataAtom> value);
 
 /// Removes the key in that row and its items. The items of the keys behind it get their new places.
 /// The sizes of all atoms above shrink.
 ///
 /// \throws RangeError where there is no such row.
-void removeKey(VexQTkeysAtom& keys, std::size_t row);
+VEXQT_EXPORT void removeKey(VexQTkeysAtom& keys, std::size_t row);
 
 }  // namespace vexqt

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The fields of a timecode description. The metadata description has them too and uses none.
-class TimecodeFields : public VexQTSampleDescription {
+class VEXQT_EXPORT TimecodeFields : public VexQTSampleDescription {
 public:
     /// The word behind the common fields, which the format reserves.
     std::uint32_t firstFlags() const { return firstFlags_; }

@@ -9,7 +9,7 @@ namespace vexqt {
 ///
 /// An entry is an atom whose code is a format rather than a type. The base takes the format as its
 /// type and keeps the bytes behind the common fields; a subclass has a fixed type and decodes them.
-class VexQTSampleDescription : public ContainerAtom {
+class VEXQT_EXPORT VexQTSampleDescription : public ContainerAtom {
 public:
     static const AtomClass kClass;
 

@@ -7,7 +7,7 @@ namespace vexqt {
 /// One channel of a channel layout: 20 bytes without a header of their own.
 ///
 /// A description that is read does not know its parent.
-class VexQTChannelDescription final : public AtomOf<VexQTChannelDescription> {
+class VEXQT_EXPORT VexQTChannelDescription final : public AtomOf<VexQTChannelDescription> {
 public:
     static const AtomClass kClass;
 
@@ -38,7 +38,7 @@ private:
 
 /// The channel layout of a sound description: a tag, or a bitmap, or a description for every
 /// channel. The descriptions are the atom's children.
-class VexQTchanAtom final : public AtomOf<VexQTchanAtom> {
+class VEXQT_EXPORT VexQTchanAtom final : public AtomOf<VexQTchanAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The sample description of a closed-caption track: the common fields, and child atoms.
-class VexQTclcpSampleDescription final
+class VEXQT_EXPORT VexQTclcpSampleDescription final
     : public AtomOf<VexQTclcpSampleDescription, VexQTSampleDescription> {
 public:
     static const AtomClass kClass;

@@ -9,7 +9,7 @@ namespace vexqt {
 ///
 /// It is an atom without a header and without a place in the tree: its table holds it by value, and
 /// it has no parent.
-class VexQTFontTableEntry final : public AtomOf<VexQTFontTableEntry> {
+class VEXQT_EXPORT VexQTFontTableEntry final : public AtomOf<VexQTFontTableEntry> {
 public:
     static const AtomClass kClass;
 
@@ -36,7 +36,7 @@ private:
 /// The font table.
 ///
 /// Its size is written as it is held: whoever makes a name longer adds to it with increaseSizeBy.
-class VexQTftabAtom final : public AtomOf<VexQTftabAtom> {
+class VEXQT_EXPORT VexQTftabAtom final : public AtomOf<VexQTftabAtom> {
 public:
     static const AtomClass kClass;
 

@@ -7,7 +7,7 @@ namespace vexqt {
 
 /// A key of timed metadata: what its values are called in the samples, what they mean, and their
 /// type.
-class VexQTmebxkeyEntry final : public Record {
+class VEXQT_EXPORT VexQTmebxkeyEntry final : public Record {
 public:
     VexQTmebxkeyEntry() = default;
     VexQTmebxkeyEntry(std::uint32_t keyIndex, OSType nameSpace, std::optional<std::string> value,
@@ -48,7 +48,7 @@ private:
 };
 
 /// The key table. It is written in the natural order of the keys' names, whatever order it holds.
-class VexQTmebxkeysAtom final : public AtomOf<VexQTmebxkeysAtom> {
+class VEXQT_EXPORT VexQTmebxkeysAtom final : public AtomOf<VexQTmebxkeysAtom> {
 public:
     static const AtomClass kClass;
 

@@ -8,7 +8,8 @@ namespace vexqt {
 ///
 /// Its type is the format that it was read with. It knows neither its data reference nor what else
 /// stands beside the key table, and it is written only while it has exactly one child.
-class VexQTmetaSampleDescription final : public AtomOf<VexQTmetaSampleDescription, TimecodeFields> {
+class VEXQT_EXPORT VexQTmetaSampleDescription final
+    : public AtomOf<VexQTmetaSampleDescription, TimecodeFields> {
 public:
     static const AtomClass kClass;
 

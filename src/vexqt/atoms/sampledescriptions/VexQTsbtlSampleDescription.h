@@ -6,7 +6,7 @@ namespace vexqt {
 
 /// The sample description of a subtitle track: a wrapper around the entry itself, which is its
 /// first child. It writes nothing of its own.
-class VexQTsbtlSampleDescription final
+class VEXQT_EXPORT VexQTsbtlSampleDescription final
     : public AtomOf<VexQTsbtlSampleDescription, VexQTSampleDescription> {
 public:
     static const AtomClass kClass;

@@ -9,7 +9,7 @@ namespace vexqt {
 ///
 /// Every entry of a sound track is one, whatever its format. Its type is 'soun'. A version that is
 /// neither 1 nor 2 has the fields of version 0.
-class VexQTsounSampleDescription final
+class VEXQT_EXPORT VexQTsounSampleDescription final
     : public AtomOf<VexQTsounSampleDescription, VexQTSampleDescription> {
 public:
     static const AtomClass kClass;

@@ -9,7 +9,7 @@ namespace vexqt {
 ///
 /// The entries are the atom's children. Their class goes by the media that the table lies in, not
 /// by their own format, so it takes a handler reference that comes before the media information.
-class VexQTstsdAtom final : public AtomOf<VexQTstsdAtom> {
+class VEXQT_EXPORT VexQTstsdAtom final : public AtomOf<VexQTstsdAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,8 @@
 namespace vexqt {
 
 /// The sample description of a timecode track: how it counts, and the name of its source.
-class VexQTtmcdSampleDescription final : public AtomOf<VexQTtmcdSampleDescription, TimecodeFields> {
+class VEXQT_EXPORT VexQTtmcdSampleDescription final
+    : public AtomOf<VexQTtmcdSampleDescription, TimecodeFields> {
 public:
     static const AtomClass kClass;
 

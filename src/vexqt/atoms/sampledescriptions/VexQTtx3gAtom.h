@@ -8,7 +8,7 @@ namespace vexqt {
 ///
 /// Its size is written as it is held: whoever makes a font's name longer adds to it with
 /// increaseSizeBy.
-class VexQTtx3gAtom final : public AtomOf<VexQTtx3gAtom> {
+class VEXQT_EXPORT VexQTtx3gAtom final : public AtomOf<VexQTtx3gAtom> {
 public:
     static const AtomClass kClass;
 

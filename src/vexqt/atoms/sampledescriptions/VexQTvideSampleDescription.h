@@ -8,7 +8,7 @@ namespace vexqt {
 /// with what the decoder needs.
 ///
 /// Every entry of a video track is one, whatever its format. Its type is 'vide'.
-class VexQTvideSampleDescription final
+class VEXQT_EXPORT VexQTvideSampleDescription final
     : public AtomOf<VexQTvideSampleDescription, VexQTSampleDescription> {
 public:
     static const AtomClass kClass;

@@ -7,7 +7,7 @@ namespace vexqt {
 
 /// Chunk offsets of 64 bits: where in a file beyond 4 GiB each chunk begins. Nothing ever shifts
 /// them.
-class VexQTco64Atom final : public AtomOf<VexQTco64Atom> {
+class VEXQT_EXPORT VexQTco64Atom final : public AtomOf<VexQTco64Atom> {
 public:
     static const AtomClass kClass;
 

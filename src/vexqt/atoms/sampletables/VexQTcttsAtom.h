@@ -6,7 +6,7 @@
 namespace vexqt {
 
 /// A run of samples that are all shown equally long after they are decoded.
-class VexQTCompositionOffset : public Record {
+class VEXQT_EXPORT VexQTCompositionOffset : public Record {
 public:
     struct Layout;
 
@@ -28,7 +28,7 @@ private:
 
 /// Composition offsets: from the times at which samples are decoded to those at which they are
 /// shown, run by run.
-class VexQTcttsAtom final : public AtomOf<VexQTcttsAtom> {
+class VEXQT_EXPORT VexQTcttsAtom final : public AtomOf<VexQTcttsAtom> {
 public:
     static const AtomClass kClass;
 

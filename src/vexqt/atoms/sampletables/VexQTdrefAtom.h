@@ -9,7 +9,7 @@ namespace vexqt {
 ///
 /// Its version byte is neither kept nor shown, and one with a payload is written without its
 /// version and flags, behind a size that still counts them.
-class VexQTDataReference final : public AtomOf<VexQTDataReference> {
+class VEXQT_EXPORT VexQTDataReference final : public AtomOf<VexQTDataReference> {
 public:
     static const AtomClass kClass;
 
@@ -28,7 +28,7 @@ private:
 /// The data references: the places that the sample descriptions of a track name by number.
 ///
 /// The payload stays in the raw remainder as it was read, but the children are what is written.
-class VexQTdrefAtom final : public AtomOf<VexQTdrefAtom> {
+class VEXQT_EXPORT VexQTdrefAtom final : public AtomOf<VexQTdrefAtom> {
 public:
     static const AtomClass kClass;
 

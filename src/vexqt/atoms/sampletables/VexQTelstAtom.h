@@ -6,7 +6,7 @@
 namespace vexqt {
 
 /// One stretch of a track: how long it lasts, where in the media it begins and how fast it plays.
-class VexQTEditListEntry : public Record {
+class VEXQT_EXPORT VexQTEditListEntry : public Record {
 public:
     struct Layout;
 
@@ -35,7 +35,7 @@ private:
 /// The edit list: which stretches of the media a track plays, one after another.
 ///
 /// Only entries of 12 bytes are understood, whatever the version byte says.
-class VexQTelstAtom final : public AtomOf<VexQTelstAtom> {
+class VEXQT_EXPORT VexQTelstAtom final : public AtomOf<VexQTelstAtom> {
 public:
     static const AtomClass kClass;
 

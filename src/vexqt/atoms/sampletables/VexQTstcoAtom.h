@@ -6,7 +6,7 @@
 namespace vexqt {
 
 /// Chunk offsets of 32 bits: where in the file each chunk begins. Nothing ever shifts them.
-class VexQTstcoAtom final : public AtomOf<VexQTstcoAtom> {
+class VEXQT_EXPORT VexQTstcoAtom final : public AtomOf<VexQTstcoAtom> {
 public:
     static const AtomClass kClass;
 

@@ -7,7 +7,7 @@ namespace vexqt {
 
 /// Partial sync samples: those from which decoding can start although samples shown before them
 /// stay broken, such as the first picture of an open group.
-class VexQTstpsAtom final : public AtomOf<VexQTstpsAtom> {
+class VEXQT_EXPORT VexQTstpsAtom final : public AtomOf<VexQTstpsAtom> {
 public:
     static const AtomClass kClass;
 

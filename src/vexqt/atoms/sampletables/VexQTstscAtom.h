@@ -7,7 +7,7 @@ namespace vexqt {
 
 /// A run of chunks that hold equally many samples of one description. It lasts until the next run
 /// begins.
-class VexQTSampleToChunkEntry : public Record {
+class VEXQT_EXPORT VexQTSampleToChunkEntry : public Record {
 public:
     struct Layout;
 
@@ -41,7 +41,7 @@ private:
 /// Sample-to-chunk: how many samples each chunk holds, and which description they follow.
 ///
 /// A count that promises more entries than there are ends with the last whole one.
-class VexQTstscAtom final : public AtomOf<VexQTstscAtom> {
+class VEXQT_EXPORT VexQTstscAtom final : public AtomOf<VexQTstscAtom> {
 public:
     static const AtomClass kClass;
 

@@ -7,7 +7,7 @@ namespace vexqt {
 
 /// Sync samples: the samples that can be decoded without others. A track without this table has
 /// nothing but sync samples.
-class VexQTstssAtom final : public AtomOf<VexQTstssAtom> {
+class VEXQT_EXPORT VexQTstssAtom final : public AtomOf<VexQTstssAtom> {
 public:
     static const AtomClass kClass;
 

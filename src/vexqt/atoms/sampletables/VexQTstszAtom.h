@@ -9,7 +9,7 @@ namespace vexqt {
 ///
 /// Who adds or removes sizes sets the number of entries too: it is written as it stands. Fewer
 /// sizes in the file than it promises are no error.
-class VexQTstszAtom final : public AtomOf<VexQTstszAtom> {
+class VEXQT_EXPORT VexQTstszAtom final : public AtomOf<VexQTstszAtom> {
 public:
     static const AtomClass kClass;
 

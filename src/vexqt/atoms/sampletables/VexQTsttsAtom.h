@@ -6,7 +6,7 @@
 namespace vexqt {
 
 /// A run of samples that all last equally long.
-class VexQTSampleDuration : public Record {
+class VEXQT_EXPORT VexQTSampleDuration : public Record {
 public:
     struct Layout;
 
@@ -26,7 +26,7 @@ private:
 };
 
 /// Time-to-sample: how long each sample lasts, run by run.
-class VexQTsttsAtom final : public AtomOf<VexQTsttsAtom> {
+class VEXQT_EXPORT VexQTsttsAtom final : public AtomOf<VexQTsttsAtom> {
 public:
     static const AtomClass kClass;
 

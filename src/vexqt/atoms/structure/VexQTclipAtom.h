@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The clipping of a movie or a track.
-class VexQTclipAtom final : public AtomOf<VexQTclipAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTclipAtom final : public AtomOf<VexQTclipAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

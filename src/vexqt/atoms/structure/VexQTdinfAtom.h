@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The data information: where a track's media data lives.
-class VexQTdinfAtom final : public AtomOf<VexQTdinfAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTdinfAtom final : public AtomOf<VexQTdinfAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

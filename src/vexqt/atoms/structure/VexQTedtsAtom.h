@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The edits: which stretches of the media the track plays, and when.
-class VexQTedtsAtom final : public AtomOf<VexQTedtsAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTedtsAtom final : public AtomOf<VexQTedtsAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// Free space at the top level of a file. Its payload is never loaded and never written.
-class VexQTfreeAtom final : public VexQTAtom {
+class VEXQT_EXPORT VexQTfreeAtom final : public VexQTAtom {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The file type: the brands that a file claims. Its major brand decides whether it is accepted.
-class VexQTftypAtom final : public AtomOf<VexQTftypAtom> {
+class VEXQT_EXPORT VexQTftypAtom final : public AtomOf<VexQTftypAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The media information header of a media that is neither video nor sound.
-class VexQTgmhdAtom final : public AtomOf<VexQTgmhdAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTgmhdAtom final : public AtomOf<VexQTgmhdAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// Media data at the top level of a file. Its payload is never loaded and never written.
-class VexQTmdatAtom final : public VexQTAtom {
+class VEXQT_EXPORT VexQTmdatAtom final : public VexQTAtom {
 public:
     static const AtomClass kClass;
 

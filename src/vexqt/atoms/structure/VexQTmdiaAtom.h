@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The media of a track: its time scale, its handler, and where its samples are.
-class VexQTmdiaAtom final : public AtomOf<VexQTmdiaAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTmdiaAtom final : public AtomOf<VexQTmdiaAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The media information: how the media is presented, where its data lies, and its sample table.
-class VexQTminfAtom final : public AtomOf<VexQTminfAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTminfAtom final : public AtomOf<VexQTminfAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// A movie segment of a fragmented file.
-class VexQTmoofAtom final : public AtomOf<VexQTmoofAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTmoofAtom final : public AtomOf<VexQTmoofAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The movie: all metadata of a file, track by track.
-class VexQTmoovAtom final : public AtomOf<VexQTmoovAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTmoovAtom final : public AtomOf<VexQTmoovAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 

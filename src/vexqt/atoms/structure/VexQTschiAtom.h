@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The scheme information of a protection: atoms that the scheme alone knows.
-class VexQTschiAtom final : public AtomOf<VexQTschiAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTschiAtom final : public AtomOf<VexQTschiAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The protection information of a sample description.
-class VexQTsinfAtom final : public AtomOf<VexQTsinfAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTsinfAtom final : public AtomOf<VexQTsinfAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

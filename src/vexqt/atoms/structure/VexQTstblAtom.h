@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The sample table: from sample numbers to times, sizes and places in the file.
-class VexQTstblAtom final : public AtomOf<VexQTstblAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTstblAtom final : public AtomOf<VexQTstblAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

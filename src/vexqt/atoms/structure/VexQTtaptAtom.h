@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The dimensions of a track in each aperture mode.
-class VexQTtaptAtom final : public AtomOf<VexQTtaptAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTtaptAtom final : public AtomOf<VexQTtaptAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };

@@ -8,7 +8,7 @@ namespace vexqt {
 ///
 /// It alone among the containers of this kind keeps a last child that is a bare header: writers end
 /// it with an empty terminator atom.
-class VexQTwaveAtom final : public AtomOf<VexQTwaveAtom, ContainerAtom> {
+class VEXQT_EXPORT VexQTwaveAtom final : public AtomOf<VexQTwaveAtom, ContainerAtom> {
 public:
     static const AtomClass kClass;
 };
