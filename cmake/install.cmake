@@ -1,33 +1,30 @@
-# Installs the libraries as the CMake package VexQt, and the programs. The package gives VexQt::vexqt,
-# and VexQt::inspector to those who ask for the component inspector: nobody else needs Qt. Nothing in
-# it names the place that it was installed to, so that it may be moved.
+# Installs the library as the CMake package VexQt, with a component for each of its two libraries,
+# and as the pkg-config package vexqt, and the programs. Nothing in the packages names the place
+# that they were installed to, so that they may be moved.
+#
+# What is installed has one of the components library, development, command and documentation.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
-set_target_properties(vexqt PROPERTIES
-  VERSION ${PROJECT_VERSION}
-  SOVERSION ${PROJECT_VERSION_MAJOR})
-install(TARGETS vexqt EXPORT VexQt FILE_SET HEADERS)
-
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/VexQt)
+
+# MARK: The library
+
+install(TARGETS vexqt EXPORT VexQt
+  LIBRARY COMPONENT library NAMELINK_COMPONENT development
+  ARCHIVE COMPONENT development
+  FILE_SET HEADERS COMPONENT development)
 install(EXPORT VexQt
   NAMESPACE VexQt::
   FILE VexQtTargets.cmake
-  DESTINATION ${package})
-if(TARGET vexqt_inspector)
-  set_target_properties(vexqt_inspector PROPERTIES
-    VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR})
-  install(TARGETS vexqt_inspector EXPORT VexQtInspector FILE_SET HEADERS)
-  install(EXPORT VexQtInspector
-    NAMESPACE VexQt::
-    FILE VexQtInspectorTargets.cmake
-    DESTINATION ${package})
-endif()
+  DESTINATION ${package}
+  COMPONENT development)
 
 # A static library leaves it to its users to link what it needs.
-get_target_property(type vexqt TYPE)
 set(VEXQT_NEEDS "")
+set(VEXQT_REQUIRES "")
+set(VEXQT_DEFINES "")
+get_target_property(type vexqt TYPE)
 if(type STREQUAL "STATIC_LIBRARY")
   string(CONCAT VEXQT_NEEDS
     "include(CMakeFindDependencyMacro)\n"
@@ -35,20 +32,36 @@ if(type STREQUAL "STATIC_LIBRARY")
     "find_dependency(JPEG)\n"
     "find_dependency(OpenSSL COMPONENTS Crypto)\n"
     "find_dependency(PNG)\n")
+  set(VEXQT_REQUIRES "\nRequires.private: icu-i18n icu-uc libcrypto libjpeg libpng")
+  set(VEXQT_DEFINES " -DVEXQT_STATIC_DEFINE")
 endif()
+
+# MARK: How others find it
+
 configure_package_config_file(
   ${CMAKE_CURRENT_LIST_DIR}/VexQtConfig.cmake.in ${PROJECT_BINARY_DIR}/VexQtConfig.cmake
   INSTALL_DESTINATION ${package}
   NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/VexQtConfigVersion.cmake
+  VERSION ${PROJECT_VERSION}
   COMPATIBILITY SameMajorVersion)
 install(
   FILES ${PROJECT_BINARY_DIR}/VexQtConfig.cmake ${PROJECT_BINARY_DIR}/VexQtConfigVersion.cmake
-  DESTINATION ${package})
+  DESTINATION ${package}
+  COMPONENT development)
+
+file(RELATIVE_PATH VEXQT_PREFIX
+  ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+configure_file(${CMAKE_CURRENT_LIST_DIR}/vexqt.pc.in ${PROJECT_BINARY_DIR}/vexqt.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/vexqt.pc
+  DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig
+  COMPONENT development)
+
+# MARK: Programs
 
 if(TARGET vexqt_command)
   # Where the library is shared, the program finds it beside itself.
   file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
   set_target_properties(vexqt_command PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
-  install(TARGETS vexqt_command)
+  install(TARGETS vexqt_command COMPONENT command)
 endif()
