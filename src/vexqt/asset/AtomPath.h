@@ -19,9 +19,12 @@ namespace vexqt {
 /// of the path failed and what is there instead.
 class VEXQT_EXPORT PathError : public Error {
 public:
+    /// What is wrong: the text itself, or what it names.
     enum class Reason { Malformed, NamesNothing };
 
+    /// With a sentence for people.
     PathError(Reason reason, const std::string& message) : Error(message), reason_(reason) {}
+    /// What is wrong.
     Reason reason() const { return reason_; }
 
 private:
@@ -30,16 +33,16 @@ private:
 
 /// An atom and what it is in. Atoms do not all know their parent, so only the walk down tells.
 struct AtomPlace {
-    VexQTAtom* atom = nullptr;
+    VexQTAtom* atom = nullptr;    ///< Never null in a place that was found.
     VexQTAtom* holder = nullptr;  ///< Null for a root atom.
-    VexQTAtom* root = nullptr;
+    VexQTAtom* root = nullptr;    ///< What it lies below; the atom itself where that is a root.
 };
 
 /// A property of an atom or, where that is a list, one of its rows or cells.
 struct VEXQT_EXPORT PropertyPlace {
-    VexQTAtom* atom = nullptr;
-    VexQTAtom* root = nullptr;
-    const Field* property = nullptr;
+    VexQTAtom* atom = nullptr;          ///< What has the property.
+    VexQTAtom* root = nullptr;          ///< What the atom lies below.
+    const Field* property = nullptr;    ///< The row of the property.
     std::optional<std::size_t> row;     ///< Only of a list.
     std::optional<std::size_t> column;  ///< Of a row; absent where the whole row is meant.
 
@@ -49,14 +52,17 @@ struct VEXQT_EXPORT PropertyPlace {
     bool isSingle() const { return column || property->list == nullptr; }
     /// Absent where there is no single value.
     Value value() const;
+    /// Whether there is one value, and it is not worked out from others.
     bool canBeSet() const;
     /// \throws ValueError where there is no single value, where it cannot be set, and for a value
     /// of the wrong kind.
     void setValue(const Value& value) const;
 };
 
+/// A text that names an atom or a property, taken apart.
 class VEXQT_EXPORT AtomPath {
 public:
+    /// The roots of a movie, or any siblings.
     using Atoms = std::vector<std::unique_ptr<VexQTAtom>>;
 
     /// \throws PathError for a text that is no path.
@@ -64,6 +70,7 @@ public:
 
     /// \throws PathError where the path names no atom below these roots.
     AtomPlace placeIn(const Atoms& roots) const;
+    /// The atom alone. \throws PathError where the path names none below these roots.
     VexQTAtom& atomIn(const Atoms& roots) const { return *placeIn(roots).atom; }
     /// Which rows a path may name: those that are there, or also the one behind the last, where
     /// rows are inserted.

@@ -38,6 +38,7 @@ public:
     static std::unique_ptr<VexQTAsset> assetWithURL(const std::filesystem::path& url,
                                                     std::error_code& error,
                                                     ReadOptions options = {});
+    /// The same under its other name.
     static std::unique_ptr<VexQTAsset> initWithURL(const std::filesystem::path& url,
                                                    std::error_code& error,
                                                    ReadOptions options = {});
@@ -49,6 +50,7 @@ public:
 
     /// Reads the root atoms anew, from an open file or from memory. Validity, once found, stays.
     void readMainAtomsWithFileHandle(File& file, ReadOptions options = {});
+    /// The same from memory. \throws RangeError for fewer than 8 bytes, unless tolerant.
     void readMainAtomsWithData(ByteView data, ReadOptions options = {});
 
     /// The top-level atoms in file order.
@@ -76,9 +78,10 @@ public:
     const std::vector<Extent>& extentsAsRead() const { return extentsAsRead_; }
     /// What writing in place writes, in this order; later writes may cover earlier ones.
     struct InPlaceWrite {
-        std::uint64_t offset = 0;
-        Bytes bytes;
+        std::uint64_t offset = 0;  ///< From the start of the file.
+        Bytes bytes;               ///< What stands there afterwards.
     };
+    /// Works the writes out without writing anything. The atoms get their new sizes.
     std::vector<InPlaceWrite> inPlaceWrites();
 
     /// Serialises the movie, turns the old one into free space where it lies, and writes the new

@@ -10,12 +10,15 @@ namespace vexqt {
 
 /// The byte counts that a class accepts. It refuses every other.
 struct LengthRule {
-    std::size_t least = 0;
-    std::size_t most = std::numeric_limits<std::size_t>::max();
+    std::size_t least = 0;                                       ///< The header is counted.
+    std::size_t most = std::numeric_limits<std::size_t>::max();  ///< No limit by itself.
 
+    /// Whether a class with this rule takes so many bytes.
     constexpr bool accepts(std::size_t length) const { return length >= least && length <= most; }
 };
+/// Takes one length alone.
 constexpr LengthRule exactly(std::size_t length) { return {length, length}; }
+/// Takes that length and every greater one.
 constexpr LengthRule atLeast(std::size_t length) { return {.least = length}; }
 
 /// How a class takes its size and type from the first bytes it is given.
@@ -65,26 +68,29 @@ struct ChildRule {
 /// Whether a child that has nothing but a header is read when it is the last.
 enum class BareLastChild { IsDropped, IsRead };
 
+/// What a class says of itself; there is one of these for each, in its `kClass`.
 struct AtomClass {
-    OSType type;
-    std::string_view className;
-    std::string_view atomName;
-    std::string_view nibName = {};  ///< Empty where there is no view.
-    LengthRule accepts = {};
-    HeaderRule header = HeaderRule::ByteCount;
-    WrittenHeader writtenHeader = WrittenHeader::Short;
-    SizeRule sizeRule = SizeRule::Recomputed;
-    TypeRule typeRule = TypeRule::OfClass;
-    std::span<const Field> fields = {};
-    std::span<const ChildRule> children = {};
-    BareLastChild bareLastChild = BareLastChild::IsDropped;
+    OSType type;                                         ///< The four-character code.
+    std::string_view className;                          ///< As in C++ and in JSON.
+    std::string_view atomName;                           ///< What people call it: "Movie Header".
+    std::string_view nibName = {};                       ///< Empty where there is no view.
+    LengthRule accepts = {};                             ///< How many bytes it takes.
+    HeaderRule header = HeaderRule::ByteCount;           ///< How it takes its header.
+    WrittenHeader writtenHeader = WrittenHeader::Short;  ///< What it writes in front of its fields.
+    SizeRule sizeRule = SizeRule::Recomputed;            ///< What becomes of its size.
+    TypeRule typeRule = TypeRule::OfClass;               ///< What becomes of its type.
+    std::span<const Field> fields = {};                  ///< Its rows, in file order.
+    std::span<const ChildRule> children = {};            ///< Which classes its children have.
+    BareLastChild bareLastChild = BareLastChild::IsDropped;  ///< How its children end.
     /// Whether a size of 0 in a child's extended size field reaches to the end too.
     bool zeroExtendedSizeReachesEnd = true;
     /// The properties in the order in which people expect them, where that is not file order.
     std::span<const std::string_view> listing = {};
+    /// Makes an empty atom.
     std::unique_ptr<VexQTAtom> (*create)();
 };
 
+/// An empty atom of a class, for the class's record.
 template <class T>
 std::unique_ptr<VexQTAtom> create() {
     return std::make_unique<T>();

@@ -13,12 +13,14 @@ namespace vexqt {
 /// does not take them, and lists the problem.
 class VEXQT_EXPORT ChildMaker {
 public:
+    /// For the children of a holder that is read at this moment.
     ChildMaker(VexQTAtom& holder, AtomReader& in) : holder_(holder), in_(in) {}
 
+    /// Size and type of the next child.
     struct Header {
-        OSType type = 0;
-        std::uint64_t size = 0;  ///< As it stands in the size field or the extended one.
-        bool isExtended = false;
+        OSType type = 0;          ///< The four-character code.
+        std::uint64_t size = 0;   ///< As it stands in the size field or the extended one.
+        bool isExtended = false;  ///< Whether it takes 16 bytes.
     };
     /// The header at the reader's position, which does not move.
     Header peek() const;
@@ -35,6 +37,7 @@ public:
     /// \throws InsertionError when the class declines the bytes, and what decoding them raises.
     VexQTAtom* add(const AtomClass* cls, OSType type, std::uint64_t size,
                    const Particulars& particulars);
+    /// The same for a child whose parent is the holder.
     VexQTAtom* add(const AtomClass* cls, OSType type, std::uint64_t size) {
         return add(cls, type, size, {.parent = &holder_});
     }

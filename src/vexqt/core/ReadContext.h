@@ -17,9 +17,9 @@ struct Field;
 
 /// Something that a tolerant reading met and went on from.
 struct Problem {
-    std::string path;  ///< The atom, from the roots: "moov.trak[1].mdia.mdhd".
-    std::uint64_t offsetInFile = 0;
-    std::string message;
+    std::string path;                ///< The atom, from the roots: "moov.trak[1].mdia.mdhd".
+    std::uint64_t offsetInFile = 0;  ///< Where the atom begins.
+    std::string message;             ///< A sentence for people.
     /// Whether sizes contradict each other or bytes are missing, rather than a class declining what
     /// is whole.
     bool isStructural = false;
@@ -33,10 +33,11 @@ struct Problem {
 /// Where the parts of one atom lie in its bytes, counted from the first of them, as its class reads
 /// them.
 struct Survey {
+    /// A row or a child.
     struct Part {
         const Field* row = nullptr;  ///< Null for a child.
-        std::size_t start = 0;
-        std::size_t end = 0;
+        std::size_t start = 0;       ///< Of its first byte.
+        std::size_t end = 0;         ///< Behind its last byte.
     };
     std::vector<Part> rows;      ///< In file order.
     std::vector<Part> children;  ///< In file order; none for a child that its class drops.
@@ -48,8 +49,10 @@ struct Survey {
 /// Atoms nested deeper are a NestingError: no real movie comes near.
 inline constexpr std::size_t kDeepestNesting = 256;
 
+/// One reading of a movie, on its way down the tree.
 class VEXQT_EXPORT ReadContext {
 public:
+    /// The children of one atom, or the roots.
     using Siblings = std::vector<std::unique_ptr<VexQTAtom>>;
 
     /// Strict: the first thing that is wrong raises.
@@ -62,6 +65,7 @@ public:
     ReadContext(const ReadContext&) = delete;
     ReadContext& operator=(const ReadContext&) = delete;
 
+    /// Whether what is wrong becomes a problem rather than an Error.
     bool isTolerant() const { return problems_ != nullptr; }
     /// Adds a problem of the atom that is being read; only when tolerant. A file that is nothing
     /// but problems does not fill the memory with them: the list ends after a thousand and says so.
@@ -81,6 +85,7 @@ public:
     /// One atom on the way from the roots to what is being read; lives as long as it is read.
     class Step {
     public:
+        /// Goes one level down. \throws NestingError below kDeepestNesting.
         Step(ReadContext& context, OSType type, const Siblings& siblings);
         ~Step();
         Step(const Step&) = delete;

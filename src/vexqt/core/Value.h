@@ -27,20 +27,28 @@ using Matrix = std::array<double, 9>;
 class VEXQT_EXPORT Number {
 public:
     Number() = default;
+    /// An integer of 64 bits, signed as the type is.
     template <std::integral T>
     explicit Number(T value)
         : held_(static_cast<std::conditional_t<std::is_signed_v<T>, std::int64_t, std::uint64_t>>(
               value)) {}
+    /// A float.
     explicit Number(float value) : held_(value) {}
 
+    /// Whether it is no integer.
     bool isFloat() const { return std::holds_alternative<float>(held_); }
     /// The low bits of an integer; a float truncated toward zero, its low bits kept.
     std::int32_t int32Value() const { return static_cast<std::int32_t>(uint64Value()); }
+    /// The same, unsigned.
     std::uint32_t uint32Value() const { return static_cast<std::uint32_t>(uint64Value()); }
+    /// The integer; a float truncated toward zero.
     std::int64_t int64Value() const { return static_cast<std::int64_t>(uint64Value()); }
+    /// The same, unsigned.
     std::uint64_t uint64Value() const;
+    /// The number in single precision.
     float floatValue() const;
 
+    /// The number as it is held.
     const std::variant<std::int64_t, std::uint64_t, float>& held() const { return held_; }
     friend bool operator==(const Number&, const Number&) = default;
 
@@ -48,6 +56,7 @@ private:
     std::variant<std::int64_t, std::uint64_t, float> held_;
 };
 
+/// What a value can be, and nothing where it is absent.
 using ValueVariant =
     std::variant<std::monostate, bool, std::int64_t, std::uint64_t, double, std::string, Bytes,
                  Date, Color, Number, Picture, Matrix, VexQTAtom*>;
@@ -59,29 +68,45 @@ using ValueVariant =
 class VEXQT_EXPORT Value : public ValueVariant {
 public:
     Value() = default;
+    /// A boolean.
     template <std::same_as<bool> T>  // No pointer is taken for one.
     Value(T flag) : ValueVariant(flag) {}
+    /// An unsigned integer.
     template <std::unsigned_integral T>
     requires(!std::same_as<T, bool>) Value(T number) : ValueVariant(std::uint64_t{number}) {}
+    /// A signed integer.
     template <std::signed_integral T>
     Value(T number) : ValueVariant(std::int64_t{number}) {}
+    /// A double.
     template <std::floating_point T>
     Value(T number) : ValueVariant(static_cast<double>(number)) {}
+    /// A text in UTF-8.
     Value(std::string text) : ValueVariant(std::move(text)) {}
+    /// The same.
     Value(std::string_view text) : ValueVariant(std::string(text)) {}
+    /// The same; not null.
     Value(const char* text) : ValueVariant(std::string(text)) {}
+    /// Bytes.
     Value(Bytes bytes) : ValueVariant(std::move(bytes)) {}
+    /// A point in time.
     Value(Date date) : ValueVariant(date) {}
+    /// A colour.
     Value(Color color) : ValueVariant(color) {}
+    /// A tagged number.
     Value(Number number) : ValueVariant(number) {}
+    /// A picture.
     Value(Picture picture) : ValueVariant(std::move(picture)) {}
+    /// A matrix in file order.
     Value(const Matrix& matrix) : ValueVariant(matrix) {}
+    /// An atom of the tree, not owned.
     Value(VexQTAtom* atom) : ValueVariant(atom) {}
+    /// What the optional holds, or an absent value.
     template <class T>
     Value(std::optional<T> value) {
         if (value) *this = Value(*std::move(value));
     }
 
+    /// Whether there is no value.
     bool isAbsent() const { return std::holds_alternative<std::monostate>(*this); }
 };
 

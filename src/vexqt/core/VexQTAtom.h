@@ -51,8 +51,10 @@ public:
 
     // The tree.
 
+    /// What the atom was told to lie in; null for none.
     VexQTAtom* parent() const { return parent_; }
     void setParent(VexQTAtom* parent) { parent_ = parent; }
+    /// In file order.
     const std::vector<std::unique_ptr<VexQTAtom>>& children() const { return children_; }
     std::vector<std::unique_ptr<VexQTAtom>>& children() { return children_; }
     /// Appends. Neither this atom's size nor the child's parent changes.
@@ -89,13 +91,17 @@ public:
     virtual std::string description() const;
     /// "Movie Header ('mvhd')".
     virtual std::string atomDescription() const;
+    /// The type as four characters.
     virtual std::string atomTypeString() const { return stringWithOSType(type_); }
+    /// What the atom is called in the format: "Movie Header".
     virtual std::string atomName() const { return std::string(class_.atomName); }
     /// The name of the view that shows this atom; absent where there is none.
     virtual std::optional<std::string> atomNibName() const;
     /// In bytes, header included, as last read or computed.
     virtual std::uint64_t atomSize() const { return size_; }
+    /// atomSize() in decimal digits.
     std::string atomSizeString() const;
+    /// The four-character code; what setAtomType sets is not always what is written.
     OSType atomType() const { return type_; }
     void setAtomType(OSType type) { type_ = type; }
     /// Two digits and a space for every byte of the raw remainder; absent where there is none.
@@ -113,10 +119,15 @@ public:
     Extent extent() const;
     void setExtent(const Extent& extent) { extras().extent = extent; }
 
+    /// The first byte behind the header of a full atom, which others have not; 1 for one made in
+    /// memory.
     std::uint8_t version() const { return version_; }
     void setVersion(std::uint8_t version) { version_ = version; }
+    /// The most significant of the three bytes of flags.
     std::uint8_t flags0() const { return flags_[0]; }
+    /// The byte in the middle.
     std::uint8_t flags1() const { return flags_[1]; }
+    /// The least significant one.
     std::uint8_t flags2() const { return flags_[2]; }
     void setFlags0(std::uint8_t flags) { flags_[0] = flags; }
     void setFlags1(std::uint8_t flags) { flags_[1] = flags; }
@@ -124,16 +135,26 @@ public:
     /// 0 for an index that is not 0, 1 or 2.
     std::uint8_t flagAtIndex(std::int32_t index) const;
 
+    /// The transformation of a movie, a track or a text medium; zeros for what has none.
     const Matrix& matrix() const;
     void setMatrix(const Matrix& matrix) { extras().matrix = matrix; }
+    /// Row 1, column 1 of the matrix: the horizontal scale.
     double matrixAValue() const { return matrix()[0]; }
+    /// Row 1, column 2: the vertical shear.
     double matrixBValue() const { return matrix()[1]; }
+    /// Row 1, column 3: 0 by rights.
     double matrixUValue() const { return matrix()[2]; }
+    /// Row 2, column 1: the horizontal shear.
     double matrixCValue() const { return matrix()[3]; }
+    /// Row 2, column 2: the vertical scale.
     double matrixDValue() const { return matrix()[4]; }
+    /// Row 2, column 3: 0 by rights.
     double matrixVValue() const { return matrix()[5]; }
+    /// Row 3, column 1: pixels to the right.
     double matrixXValue() const { return matrix()[6]; }
+    /// Row 3, column 2: pixels down.
     double matrixYValue() const { return matrix()[7]; }
+    /// Row 3, column 3: 1 by rights.
     double matrixWValue() const { return matrix()[8]; }
     void setMatrixAValue(double value) { extras().matrix[0] = value; }
     void setMatrixBValue(double value) { extras().matrix[1] = value; }
@@ -178,24 +199,31 @@ public:
     const SharedBytes& origin() const { return origin_; }
 
 protected:
+    /// An empty atom of a class, for that class's constructor.
     explicit VexQTAtom(const AtomClass& cls) : class_(cls), type_(cls.type) {}
     /// For entries that are atoms and stand by value in a list: everything but the children.
     VexQTAtom(const VexQTAtom& other);
+    /// The same for one that is there already.
     VexQTAtom& operator=(const VexQTAtom& other);
 
     /// The size to write before an atom of that many bytes. Overridden where the two differ.
     virtual std::uint64_t declaredSize(std::uint64_t byteCount) const { return byteCount; }
 
+    /// In bytes, header included; nothing else changes.
     void setAtomSize(std::uint64_t size) { size_ = size; }
+    /// In bytes from the start of the file; nothing else changes.
     void setOffsetInFile(std::uint64_t offset) { offsetInFile_ = offset; }
     /// Keeps what follows an offset in the bytes read as the raw remainder.
     void keepUnknownDataFrom(std::size_t offset) { unknownFrom_ = offset; }
+    /// The raw remainder becomes absent.
     void dropUnknownData() { unknownFrom_ = kAbsent; }
     /// Keeps all that follows the header as the raw remainder, as a generic atom does, wherever the
     /// fields begin.
     void keepPayload();
     // For the row of a raw remainder: everything that is left.
+    /// Keeps the bytes from the reader's position on.
     void keepRest(AtomReader& in);
+    /// Writes the raw remainder, if there is one.
     void appendRest(ByteWriter& out) const;
 
 private:

@@ -19,6 +19,7 @@
 
 namespace vexqt {
 
+/// The same bytes as a number of this machine; its own inverse.
 template <std::integral T>
 constexpr T fromBigEndian(T value) {
     if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1) return value;
@@ -39,6 +40,7 @@ T loadBigEndian(const std::uint8_t* from) {
     std::memcpy(&value, from, sizeof(T));
     return fromBigEndian(value);
 }
+/// Writes a number to the bytes from an address on. The caller has checked that they are there.
 template <std::integral T>
 void storeBigEndian(std::uint8_t* to, T value) {
     value = fromBigEndian(value);
@@ -62,8 +64,11 @@ public:
     explicit SharedBytes(std::size_t length)
         : first_(std::make_shared_for_overwrite<std::uint8_t[]>(length)), length_(length) {}
 
+    /// The whole block, for whoever has made it.
     std::span<std::uint8_t> fill() { return {first_.get(), length_}; }
+    /// The bytes, as long as any part of the block lives.
     ByteView view() const { return {first_.get(), length_}; }
+    /// In bytes.
     std::size_t size() const { return length_; }
 
     /// The part that begins at an offset inside this one. The caller has checked both.
@@ -73,6 +78,7 @@ public:
         part.length_ = length;
         return part;
     }
+    /// The part that begins at the first byte. The caller has checked its length.
     SharedBytes first(std::size_t length) const { return part(0, length); }
 
     /// Where a part of the same block lies in this one; absent for any other.
@@ -105,23 +111,32 @@ private:
     std::size_t length_ = 0;
 };
 
+/// Reads one run of bytes from front to back.
 class ByteReader {
 public:
+    /// Starts at a position, which may lie behind the end.
     explicit ByteReader(ByteView bytes, std::size_t position = 0)
         : bytes_(bytes), position_(position) {}
 
+    /// Of the byte that is read next.
     std::size_t position() const { return position_; }
+    /// Of the whole run.
     std::size_t length() const { return bytes_.size(); }
     /// 0 also where the position lies behind the end.
     std::size_t remaining() const {
         return position_ < bytes_.size() ? bytes_.size() - position_ : 0;
     }
 
+    /// One byte. \throws RangeError where there is none.
     std::uint8_t u8() { return big<std::uint8_t>(); }
+    /// Two bytes. \throws RangeError where there are fewer.
     std::uint16_t u16() { return big<std::uint16_t>(); }
+    /// Four bytes. \throws RangeError where there are fewer.
     std::uint32_t u32() { return big<std::uint32_t>(); }
+    /// Eight bytes. \throws RangeError where there are fewer.
     std::uint64_t u64() { return big<std::uint64_t>(); }
 
+    /// The next bytes, not copied. \throws RangeError where there are fewer.
     ByteView take(std::uint64_t count) {
         check(count);
         const ByteView taken = bytes_.subspan(position_, static_cast<std::size_t>(count));
@@ -130,11 +145,13 @@ public:
     }
     /// Everything up to the end; nothing where the position lies behind it.
     ByteView rest() { return remaining() == 0 ? ByteView() : take(remaining()); }
+    /// Passes bytes. \throws RangeError where there are fewer.
     void skip(std::uint64_t count) { take(count); }
     /// Moves to any offset. One behind the end makes the next read a RangeError.
     void seek(std::size_t position) { position_ = position; }
 
 protected:
+    /// \throws RangeError where fewer bytes are left.
     void check(std::uint64_t count) const {
         if (count > remaining() || position_ > bytes_.size())
             throw RangeError(position_, count, length());
@@ -150,13 +167,20 @@ private:
     std::size_t position_;
 };
 
+/// Puts a run of bytes together, the first one first.
 class ByteWriter {
 public:
+    /// One byte.
     void u8(std::uint8_t value) { bytes_.push_back(value); }
+    /// Two bytes.
     void u16(std::uint16_t value) { big(value); }
+    /// Four bytes.
     void u32(std::uint32_t value) { big(value); }
+    /// Eight bytes.
     void u64(std::uint64_t value) { big(value); }
+    /// So many bytes of zero.
     void zeros(std::size_t count) { bytes_.insert(bytes_.end(), count, 0); }
+    /// Bytes as they are.
     void append(ByteView bytes) { bytes_.insert(bytes_.end(), bytes.begin(), bytes.end()); }
     /// The next bytes, for the caller to overwrite. They are zero, and to make them so costs: ask
     /// for a few thousand at a time, and the zeros never leave the processor's cache.
@@ -174,10 +198,14 @@ public:
         bytes_.insert(bytes_.begin() + static_cast<std::ptrdiff_t>(position), bytes.begin(),
                       bytes.end());
     }
+    /// Takes the memory for so many bytes at once.
     void reserve(std::size_t length) { bytes_.reserve(length); }
 
+    /// How many bytes were written.
     std::size_t length() const { return bytes_.size(); }
+    /// What was written, until more is.
     ByteView view() const { return bytes_; }
+    /// Gives the bytes away; the writer is empty afterwards.
     Bytes release() { return std::move(bytes_); }
 
 private:

@@ -6,6 +6,7 @@
 
 namespace vexqt {
 
+/// The bits of an unsigned integer, the most significant byte first.
 template <std::unsigned_integral T>
 struct Unsigned {
     static constexpr std::size_t width = sizeof(T);
@@ -22,14 +23,19 @@ struct Unsigned {
         if constexpr (sizeof(T) == 8) out.u64(value);
     }
 };
+/// One byte.
 using U8 = Unsigned<std::uint8_t>;
+/// Two bytes.
 using U16 = Unsigned<std::uint16_t>;
+/// Four bytes.
 using U32 = Unsigned<std::uint32_t>;
+/// Eight bytes.
 using U64 = Unsigned<std::uint64_t>;
 
 /// The bits of a signed integer.
 template <std::signed_integral T>
 struct Signed {
+    /// What is read and written.
     using Bits = std::make_unsigned_t<T>;
     static constexpr std::size_t width = sizeof(T);
     static T read(ByteReader& in) { return static_cast<T>(Unsigned<Bits>::read(in)); }
@@ -72,6 +78,7 @@ struct SignedFixed230 {
     }
 };
 
+/// From 0 to 255.996, in steps of 1/256.
 struct UnsignedFixed88 {
     static constexpr std::size_t width = 2;
     static constexpr NumberRange range = {0, 256};
@@ -81,6 +88,7 @@ struct UnsignedFixed88 {
     }
 };
 
+/// From 0 to 65535.99998, in steps of 1/65536.
 struct UnsignedFixed1616 {
     static constexpr std::size_t width = 4;
     static constexpr NumberRange range = {0, 65536};
@@ -93,8 +101,10 @@ struct UnsignedFixed1616 {
 /// Seconds from 1904 in 32 bits, wrapping. An absent date is written as 2001-01-01.
 struct MacDate {
     static constexpr std::size_t width = 4;
-    static constexpr Date epoch = std::chrono::sys_days{std::chrono::year{1904} / 1 / 1};
-    static constexpr Date absent = std::chrono::sys_days{std::chrono::year{2001} / 1 / 1};
+    static constexpr Date epoch =
+        std::chrono::sys_days{std::chrono::year{1904} / 1 / 1};  ///< What a field of 0 means.
+    static constexpr Date absent =
+        std::chrono::sys_days{std::chrono::year{2001} / 1 / 1};  ///< What is written of no date.
 
     static std::optional<Date> read(ByteReader& in) {
         return epoch + std::chrono::seconds(in.u32());

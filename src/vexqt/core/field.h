@@ -59,11 +59,14 @@ struct NumberRange {
 struct ListAccess {
     /// Those of an entry; one column without a name where the list holds plain numbers.
     std::span<const Field> columns;
-    std::size_t (*size)(const Record& owner);
-    Value (*cell)(const Record& owner, std::size_t row, std::size_t column);
+    std::size_t (*size)(const Record& owner);  ///< How many rows there are.
+    Value (*cell)(const Record& owner, std::size_t row,
+                  std::size_t column);  ///< Reads a cell; the caller has checked row and column.
+    /// Changes a cell. \throws ValueError for a value of the wrong kind.
     void (*setCell)(Record& owner, std::size_t row, std::size_t column, const Value& value);
     /// Inserts new entries before a row; a row at the end appends.
     void (*insertRows)(Record& owner, std::size_t row, std::size_t count);
+    /// Removes rows from that one on.
     void (*removeRows)(Record& owner, std::size_t row, std::size_t count);
     /// Copies an integer column from a row on, two's complement, many at a time and without
     /// decoding the list. Null where there is no such column.
@@ -74,54 +77,61 @@ struct ListAccess {
     Bytes (*entryBytes)(const Record& owner, std::size_t row) = nullptr;
 };
 
+/// One row of a layout, or one column of a table.
 struct Field {
-    std::string_view name = {};  ///< The property's name; empty for bytes that are none.
-    std::size_t width = 0;       ///< Bytes in the file; 0 where the length varies.
-    ValueKind kind = ValueKind::None;
-    std::uint8_t bits = 0;   ///< Of an integer or a floating number.
+    std::string_view name = {};        ///< The property's name; empty for bytes that are none.
+    std::size_t width = 0;             ///< Bytes in the file; 0 where the length varies.
+    ValueKind kind = ValueKind::None;  ///< Of the value.
+    std::uint8_t bits = 0;             ///< Of an integer or a floating number.
     NumberRange range = {};  ///< Where bits and width do not tell: of a fixed-point number.
-    Display display = Display::Plain;
-    std::string_view unit = {};  ///< "seconds", "pixels"; empty where there is none.
-    bool isOptional = false;     ///< Whether it can be absent.
+    Display display = Display::Plain;  ///< How people write it.
+    std::string_view unit = {};        ///< "seconds", "pixels"; empty where there is none.
+    bool isOptional = false;           ///< Whether it can be absent.
     std::uint8_t unitWidth = 0;  ///< Of the values that repeat in these bytes; 0 for one alone.
     bool holdsChildren = false;  ///< Whether these bytes are the atom's children.
 
-    void (*decode)(Record&, AtomReader&) = nullptr;  ///< Null for what is not in the file.
-    void (*encode)(const Record&, ByteWriter&) = nullptr;
-    Value (*get)(const Record&) = nullptr;         ///< Null for what has no single value.
-    void (*set)(Record&, const Value&) = nullptr;  ///< Null for what cannot be set.
-    const ListAccess* list = nullptr;              ///< Null for all but lists.
-    bool (*present)(const Record&) = nullptr;      ///< Null for what is always in the file.
+    void (*decode)(Record&, AtomReader&) = nullptr;        ///< Null for what is not in the file.
+    void (*encode)(const Record&, ByteWriter&) = nullptr;  ///< Null for what is not in the file.
+    Value (*get)(const Record&) = nullptr;                 ///< Null for what has no single value.
+    void (*set)(Record&, const Value&) = nullptr;          ///< Null for what cannot be set.
+    const ListAccess* list = nullptr;                      ///< Null for all but lists.
+    bool (*present)(const Record&) = nullptr;              ///< Null for what is always in the file.
     /// Whether the value is still the one that was read, as far as that is known without a look at
     /// it. Null where it never is.
     bool (*untouched)(const Record&) = nullptr;
 
+    /// The same row with a unit.
     constexpr Field in(std::string_view theUnit) const {
         Field row = *this;
         row.unit = theUnit;
         return row;
     }
+    /// The same row in another form for people.
     constexpr Field as(Display theDisplay) const {
         Field row = *this;
         row.display = theDisplay;
         return row;
     }
+    /// The same row with a range of its own.
     constexpr Field within(NumberRange theRange) const {
         Field row = *this;
         row.range = theRange;
         return row;
     }
+    /// The same row as that of the children.
     constexpr Field holdingChildren() const {
         Field row = *this;
         row.holdsChildren = true;
         return row;
     }
+    /// Whether a double holds the value, most of it at least.
     constexpr bool isNumeric() const {
         return kind == ValueKind::Boolean || kind == ValueKind::Unsigned ||
                kind == ValueKind::Signed || kind == ValueKind::Floating;
     }
 };
 
+/// How many bytes the rows of a fixed layout take up.
 constexpr std::size_t wireWidth(std::span<const Field> fields) {
     std::size_t width = 0;
     for (const Field& field : fields) width += field.width;
@@ -156,6 +166,7 @@ constexpr ValueKind kindOf() {
     return ValueKind::None;
 }
 
+/// \throws ValueError always.
 [[noreturn]] VEXQT_EXPORT void throwWrongKind();
 
 /// Setting an empty value on a number sets 0; on what can be absent it makes it absent. An integer
@@ -185,11 +196,14 @@ T fromValue(const Value& value) {
     throwWrongKind();
 }
 
+/// The class that a member belongs to, for decltype.
 template <class Owner, class T>
 Owner ownerOf(T Owner::*);
+/// The type of a member, for decltype.
 template <class Owner, class T>
 T typeOf(T Owner::*);
 
+/// A row of that type's kind, in the file nowhere yet.
 template <class T>
 constexpr Field described(std::string_view name) {
     using Present = typename OptionalTraits<T>::Present;
@@ -293,6 +307,7 @@ constexpr Field when(Field row) {
     return row;
 }
 
+/// Whether a record has the row in the file.
 inline bool isPresent(const Field& field, const Record& record) {
     return field.present == nullptr || field.present(record);
 }

@@ -36,11 +36,14 @@ void writeZeros(const Record&, ByteWriter& out) {
 
 }  // namespace rows
 
+/// The version, read and written.
 inline constexpr Field versionKept = {
     .width = 1, .decode = rows::readVersion, .encode = rows::writeVersion};
+/// The version is read, and written as zero whatever it is.
 inline constexpr Field versionWrittenAsZero = {
     .width = 1, .decode = rows::readVersion, .encode = rows::writeZeros<1>};
 
+/// The flags, read and written.
 inline constexpr Field flagsKept = {
     .width = 3, .unitWidth = 1, .decode = rows::readFlags, .encode = rows::writeFlags};
 /// The file's flags are ignored; the atom's own are written, zero unless someone set them.

@@ -95,6 +95,7 @@ constexpr Field entryList(std::string_view name) {
             .kind = ValueKind::List,
             .list = &EntryList<Member, Columns, EntryBytes>::access};
 }
+/// A list of plain integers, which an irregular row reads and writes.
 template <auto Member, Display display = Display::Plain>
 constexpr Field numberList(std::string_view name) {
     return {.name = name, .kind = ValueKind::List, .list = &NumberList<Member, display>::access};

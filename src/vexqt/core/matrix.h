@@ -6,6 +6,7 @@
 
 namespace vexqt {
 
+/// The row of the matrix, in the form that a codec gives it.
 template <class Codec>
 constexpr Field matrixRow() {
     Field row = accessors<&VexQTAtom::matrix, &VexQTAtom::setMatrix>("matrix");

@@ -13,6 +13,7 @@ namespace vexqt {
 using OSType = std::uint32_t;
 
 inline namespace literals {
+/// A code in the source: `"moov"_os`. Anything but four characters does not compile.
 consteval OSType operator""_os(const char* text, std::size_t length) {
     if (length != 4) throw "a code has four characters";
     OSType code = 0;

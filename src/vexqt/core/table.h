@@ -29,6 +29,7 @@ std::false_type keepsEveryBit(const void*);
 template <class Codec>
 concept VerbatimCodec = decltype(keepsEveryBit(std::declval<const Codec*>()))::value;
 
+/// The value at an address. The caller has checked that its bytes are there.
 template <class Codec>
 auto decodeAt(const std::uint8_t* at) {
     if constexpr (VerbatimCodec<Codec>) {
@@ -54,6 +55,7 @@ struct Column {
     constexpr Column in(std::string_view unit) const { return {field.in(unit)}; }
 };
 
+/// A column: a member of the entry's class, its codec, and its name.
 template <auto Member, class Codec>
 constexpr Column<Member, Codec> column(std::string_view name) {
     return {field<Member, Codec>(name)};
@@ -107,6 +109,7 @@ struct TableColumns {
     }
 };
 
+/// All columns of a table, in file order.
 template <class... Columns>
 constexpr TableColumns<Columns...> tableColumns(Columns... columns) {
     return {{columns.field...}};
@@ -128,13 +131,15 @@ constexpr auto numberColumn(std::string_view unit = {}) {
 template <class Entry>
 class Table {
 public:
+    /// What people see of the table.
     using Rows = std::vector<Entry>;
     /// How rows are made of bytes.
     struct Form {
-        std::size_t width;
-        Rows (*decode)(ByteView entries);
+        std::size_t width;                 ///< Of an entry, in bytes.
+        Rows (*decode)(ByteView entries);  ///< Decodes a whole number of entries.
     };
 
+    /// Decodes them if nobody has yet.
     const Rows& rows() const {
         if (undecoded_ != nullptr) {
             rows_ = undecoded_->decode(bytes_.view());
@@ -149,6 +154,7 @@ public:
         bytes_ = {};
         return rows_;
     }
+    /// Replaces them.
     void setRows(Rows rows) {
         undecoded_ = nullptr;
         isAsRead_ = false;
@@ -163,12 +169,15 @@ public:
         rows_ = {};
     }
 
+    /// How many rows there are.
     std::size_t size() const {
         return undecoded_ != nullptr ? bytes_.size() / undecoded_->width : rows_.size();
     }
+    /// Whether somebody has asked for the rows.
     bool isDecoded() const { return undecoded_ == nullptr; }
     /// Whether nobody can have edited the rows since they were read; then bytes() holds them.
     bool isAsRead() const { return isAsRead_; }
+    /// What setBytes was given; empty once somebody may have edited the rows.
     ByteView bytes() const { return bytes_.view(); }
 
 private:

@@ -9,9 +9,12 @@
 
 namespace vexqt {
 
+/// The formats that pictures are read from and written in.
 enum class PictureFormat { JPEG, PNG, BMP };
 
+/// In pixels.
 struct PictureSize {
+    /// From 1 on in every picture.
     std::uint32_t width = 0, height = 0;
 
     bool operator==(const PictureSize&) const = default;
@@ -39,11 +42,17 @@ public:
     /// the format cannot hold the picture; JPEG ends at 65,500 pixels a side.
     std::optional<Bytes> encode(PictureFormat format) const;
 
+    /// In pixels.
     PictureSize size() const { return size_; }
+    /// In pixels.
     std::uint32_t width() const { return size_.width; }
+    /// In pixels.
     std::uint32_t height() const { return size_.height; }
+    /// Four bytes a pixel, row by row from the top.
     ByteView pixels() const { return *pixels_; }
+    /// The pixels of a row, counted from 0; the caller has checked it.
     ByteView row(std::uint32_t y) const;
+    /// Whether every alpha byte is 255.
     bool isOpaque() const;
 
     bool operator==(const Picture& other) const;

@@ -7,7 +7,9 @@
 
 namespace vexqt {
 
+/// Bytes that somebody owns.
 using Bytes = std::vector<std::uint8_t>;
+/// Bytes that somebody else owns.
 using ByteView = std::span<const std::uint8_t>;
 
 }  // namespace vexqt

@@ -10,6 +10,7 @@
 
 namespace vexqt {
 
+/// A point in time, in whole seconds.
 using Date = std::chrono::sys_seconds;
 
 /// The date in UTC. Years have four digits or as many more as they need, and a minus sign before

@@ -18,9 +18,11 @@ namespace vexqt {
 /// 24, 24 there".
 class VEXQT_EXPORT Error : public std::runtime_error {
 public:
+    /// With a sentence for people; lower case, without a full stop.
     explicit Error(const std::string& message);
-    // Declared so that a moved error is a copied one: an error always has its texts.
+    /// Declared so that a moved error is a copied one: an error always has its texts.
     Error(const Error&) noexcept = default;
+    /// A copy, like the constructor.
     Error& operator=(const Error&) noexcept = default;
     ~Error() override = default;
 
@@ -55,7 +57,9 @@ public:
     explicit RangeError(const std::string& message, std::uint64_t offset = 0,
                         std::uint64_t count = 0, std::uint64_t length = 0);
 
+    /// Where bytes were wanted.
     std::uint64_t offset() const { return offset_; }
+    /// How many were wanted.
     std::uint64_t count() const { return count_; }
     /// The length of the buffer.
     std::uint64_t length() const { return length_; }
@@ -85,6 +89,7 @@ public:
 /// There is no property of that name.
 class VEXQT_EXPORT UndefinedKeyError : public Error {
 public:
+    /// For the key that names nothing.
     explicit UndefinedKeyError(std::string_view key);
 };
 

@@ -23,11 +23,12 @@ namespace vexqt {
 
 /// Which file it is, and in which state: equal as long as nobody has written to it.
 struct FileIdentity {
+    /// Together unique on a machine.
     std::uint64_t device = 0, inode = 0;
-    std::uint64_t size = 0;
-    std::int64_t modifiedSeconds = 0;  ///< Since 1970.
-    std::int64_t modifiedNanoseconds = 0;
-    bool isRegular = false;  ///< False for folders, pipes and devices.
+    std::uint64_t size = 0;                ///< In bytes.
+    std::int64_t modifiedSeconds = 0;      ///< Since 1970.
+    std::int64_t modifiedNanoseconds = 0;  ///< The part of a second.
+    bool isRegular = false;                ///< False for folders, pipes and devices.
 
     bool operator==(const FileIdentity&) const = default;
     /// True for a file, or a copy of it, that nobody has written to in between.
@@ -60,6 +61,7 @@ public:
     virtual void truncate(std::uint64_t size, std::error_code& error) = 0;
     /// Returns when what was written would survive a power cut.
     virtual void flush(std::error_code& error) = 0;
+    /// As the system tells it at this moment.
     virtual FileIdentity identity(std::error_code& error) = 0;
     /// Says that the file was last written to at that time. Only its owner may.
     virtual void setModified(std::int64_t seconds, std::int64_t nanoseconds,
@@ -67,9 +69,11 @@ public:
     /// Keeps others who lock it away; operation_would_block if one of them was first.
     virtual void lock(std::error_code& error) = 0;
 
+    /// In bytes.
     std::uint64_t size(std::error_code& error) { return identity(error).size; }
 };
 
+/// What becomes of a file that has the name already.
 enum class IfExists { Replace, Refuse };
 
 /// Bytes done, of how many.
@@ -86,6 +90,7 @@ public:
     FileSystem& operator=(const FileSystem&) = delete;
     virtual ~FileSystem() = default;
 
+    /// Opens what is there.
     virtual std::unique_ptr<File> openForReading(const std::filesystem::path& path,
                                                  std::error_code& error) = 0;
     /// Opens for reading and writing what is there, as it is.
@@ -115,6 +120,7 @@ public:
     /// Replaces, in one step, what was at the new path.
     virtual void rename(const std::filesystem::path& from, const std::filesystem::path& to,
                         std::error_code& error) = 0;
+    /// The name goes; the bytes live on while somebody has the file open.
     virtual void remove(const std::filesystem::path& path, std::error_code& error) = 0;
     /// Makes a folder, and those above it that are missing, for their owner alone. One that exists
     /// stays as it is.
@@ -125,6 +131,7 @@ public:
     /// Returns when the names in a folder, new and gone, would survive a power cut.
     virtual void flushDirectory(const std::filesystem::path& directory, std::error_code& error) = 0;
 
+    /// Whether anything is at a path.
     bool exists(const std::filesystem::path& path, std::error_code& error) {
         return identityOf(path, error).has_value();
     }

@@ -8,6 +8,7 @@
 
 namespace vexqt {
 
+/// Called with each line, which has no line end.
 using LogSink = std::function<void(std::string_view line)>;
 
 /// Writes a line to the system log and hands it to the sink, if there is one.

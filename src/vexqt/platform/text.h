@@ -12,7 +12,9 @@
 
 namespace vexqt {
 
+/// Absent when a byte is none of ASCII.
 VEXQT_EXPORT std::optional<std::string> textFromASCII(ByteView bytes);
+/// Absent when the bytes are not valid UTF-8.
 VEXQT_EXPORT std::optional<std::string> textFromUTF8(ByteView bytes);
 /// Big-endian unless a byte-order mark says otherwise; the mark is no part of the text. An odd
 /// number of bytes or half a surrogate pair does not decode.

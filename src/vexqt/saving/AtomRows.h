@@ -9,8 +9,10 @@ namespace vexqt {
 /// An atom as it was read, empty atoms in the place of its children, and where its parts lie in its
 /// bytes.
 struct VEXQT_EXPORT AtomAsRead {
+    /// Reads the atom again from the bytes that it was read from.
     explicit AtomAsRead(const VexQTAtom& atom);
 
+    /// The bytes from an offset up to another.
     SharedBytes part(std::size_t start, std::size_t end) const {
         return bytes.part(start, end - start);
     }
@@ -19,9 +21,9 @@ struct VEXQT_EXPORT AtomAsRead {
     /// would not take it.
     std::unique_ptr<VexQTAtom> withRow(const Survey::Part& part, ByteView rowBytes) const;
 
-    SharedBytes bytes;
-    Survey survey;
-    std::unique_ptr<VexQTAtom> record;
+    SharedBytes bytes;                  ///< All that the atom was read from.
+    Survey survey;                      ///< Where rows and children lie in them.
+    std::unique_ptr<VexQTAtom> record;  ///< The atom as it was.
 };
 
 /// What a row's class writes for a record; absent where the row is not in the file.

@@ -11,12 +11,16 @@ class VEXQT_EXPORT ByteRope {
 public:
     /// A part that lies right behind the one before it, in the same block, becomes one with it.
     void append(const SharedBytes& part);
+    /// Copies bytes and appends the copy.
     void append(ByteView newBytes) {
         if (!newBytes.empty()) append(SharedBytes::copyOf(newBytes));
     }
+    /// Appends all parts of another, which is empty afterwards.
     void append(ByteRope&& rope);
 
+    /// In bytes.
     std::uint64_t length() const { return length_; }
+    /// From front to back.
     const std::vector<SharedBytes>& parts() const { return parts_; }
     /// The first bytes; as many as there are of that count.
     Bytes first(std::size_t count) const;

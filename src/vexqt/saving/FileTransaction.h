@@ -22,8 +22,10 @@
 
 namespace vexqt {
 
+/// One change of one file.
 class VEXQT_EXPORT FileTransaction {
 public:
+    /// Told of the change while it is made.
     struct Callbacks {
         /// Bytes kept and written, of how many. It may throw to stop, and the file is as it was.
         CopyProgress progress;
@@ -31,6 +33,7 @@ public:
         std::function<bool(File&)> verify;
     };
 
+    /// For a file of these; nothing is opened yet.
     explicit FileTransaction(FileSystem& files);
     FileTransaction(const FileTransaction&) = delete;
     FileTransaction& operator=(const FileTransaction&) = delete;
@@ -56,6 +59,7 @@ public:
     bool canBeUndone() const { return change_ != nullptr; }
     /// The file as the change left it.
     const FileIdentity& identityAfter() const;
+    /// In bytes; 0 before a change that can be undone.
     std::uint64_t undoRecordLength() const;
     /// Writes the record with which undo() takes the change back.
     std::optional<SaveFailure> writeUndoRecord(std::unique_ptr<File> into,

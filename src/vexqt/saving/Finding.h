@@ -10,6 +10,7 @@
 
 namespace vexqt {
 
+/// How bad a finding is.
 enum class Severity {
     Note,     ///< Worth knowing.
     Changes,  ///< Something other than what was edited will be different.
@@ -21,11 +22,11 @@ VEXQT_EXPORT std::string_view textOf(Severity severity);
 
 /// Something that a save would do, told before anything is written.
 struct Finding {
-    std::string_view id;  ///< Stable: "atom-changes", "overwrites-atom", …
-    Severity severity = Severity::Note;
-    std::string path;                ///< The atom, where it is about one.
-    std::optional<FileRange> range;  ///< In the file, where it is about a place.
-    std::string message;             ///< A sentence for people.
+    std::string_view id;                 ///< Stable: "atom-changes", "overwrites-atom", …
+    Severity severity = Severity::Note;  ///< How bad it is.
+    std::string path;                    ///< The atom, where it is about one.
+    std::optional<FileRange> range;      ///< In the file, where it is about a place.
+    std::string message;                 ///< A sentence for people.
 };
 
 }  // namespace vexqt

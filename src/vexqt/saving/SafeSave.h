@@ -9,8 +9,9 @@
 
 namespace vexqt {
 
+/// How a movie is saved.
 struct SaveOptions {
-    SaveForm form = SaveForm::Surgical;
+    SaveForm form = SaveForm::Surgical;  ///< Which bytes are written.
     /// Save although something will be destroyed.
     bool force = false;
     /// Where the record is kept with which the save can be undone; null to keep none.
@@ -19,7 +20,9 @@ struct SaveOptions {
     CopyProgress progress = {};
 };
 
+/// What came of a save.
 struct SaveResult {
+    /// How the file is now.
     enum class Outcome {
         Saved,
         NothingToDo,  ///< Nobody edited anything; the file was not touched.
@@ -27,10 +30,10 @@ struct SaveResult {
         Failed        ///< The file is as it was, unless the failure says otherwise.
     };
 
-    Outcome outcome = Outcome::Failed;
-    SavePlan plan;  ///< Empty when the file could not be opened.
-    std::optional<SaveFailure> failure;
-    std::vector<std::string> notes;  ///< What a person should know about a save that went well.
+    Outcome outcome = Outcome::Failed;   ///< In one word.
+    SavePlan plan;                       ///< Empty when the file could not be opened.
+    std::optional<SaveFailure> failure;  ///< Why, where it failed.
+    std::vector<std::string> notes;      ///< What a person should know about a save that went well.
 };
 
 /// Saves an asset into the file that it was read from.

@@ -8,6 +8,7 @@ namespace vexqt {
 
 /// Why a file was not changed, or not changed back.
 struct SaveFailure {
+    /// Why, for programs.
     enum class Reason {
         System,          ///< The system refused; the code says why.
         Busy,            ///< Somebody else has the file locked.
@@ -17,13 +18,13 @@ struct SaveFailure {
         RollBackFailed,  ///< And the old bytes are still to be put back, from the journal.
     };
 
-    std::error_code code;
+    std::error_code code;  ///< The system's; none where it was not the system.
     /// What happened and how the movie is now, for people: "writing 512 bytes at 1032: No space
     /// left on device; the movie is as it was".
     std::string what;
     /// The bytes that it was about; none if it was about something else.
     std::uint64_t offset = 0, length = 0;
-    Reason reason = Reason::System;
+    Reason reason = Reason::System;  ///< In one word.
 };
 
 }  // namespace vexqt

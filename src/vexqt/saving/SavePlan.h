@@ -38,12 +38,15 @@ public:
     /// A plan to do nothing.
     SavePlan() = default;
 
+    /// How the new movie gets its place.
     Way way() const { return way_; }
+    /// Which bytes it writes.
     SaveForm form() const { return form_; }
     /// The ranges to write, with their new bytes.
     const FileChange& change() const { return change_; }
     /// Everything worth knowing beforehand, edits included.
     const std::vector<Finding>& findings() const { return findings_; }
+    /// Whether a finding is as bad as that.
     bool has(Severity severity) const;
     /// False where force does not help, because there is nothing right to write: the file is not
     /// what was read, an atom has no room, or its class cannot write it.
@@ -54,10 +57,11 @@ public:
     /// The atoms whose bytes will be others, and where each of them will lie. Its bytes are held by
     /// the plan.
     struct NewAtom {
-        const VexQTAtom* atom = nullptr;
-        std::uint64_t offset = 0;  ///< Of the first header byte.
-        SharedBytes bytes;         ///< Header included.
+        const VexQTAtom* atom = nullptr;  ///< Of the tree in memory.
+        std::uint64_t offset = 0;         ///< Of the first header byte.
+        SharedBytes bytes;                ///< Header included.
     };
+    /// In file order.
     const std::vector<NewAtom>& newAtoms() const { return newAtoms_; }
 
 private:

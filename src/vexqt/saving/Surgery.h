@@ -15,13 +15,14 @@ namespace vexqt {
 
 /// A row of an atom that was edited.
 struct Edit {
-    const VexQTAtom* atom = nullptr;
+    const VexQTAtom* atom = nullptr;  ///< What has the row.
     std::string_view property;  ///< The row's name; empty for what has none, such as a child list.
     /// Whether bytes of the row that stand for something else change as well: the file has it in
     /// another form than the class writes.
     bool changesMore = false;
 };
 
+/// Writes atoms and remembers what was edited in them.
 class VEXQT_EXPORT Surgery {
 public:
     /// The atom's bytes, children included. An atom made in memory is written as its class writes

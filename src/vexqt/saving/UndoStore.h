@@ -16,15 +16,16 @@
 
 namespace vexqt {
 
+/// The records of saves, in one folder.
 class VEXQT_EXPORT UndoStore {
 public:
     /// What is older, more or longer than this is not kept.
     struct Limits {
-        std::size_t recordsOfAFile = 20;
-        std::size_t records = 10'000;
-        std::uint64_t bytesOfARecord = std::uint64_t{64} << 20;
-        std::uint64_t bytes = std::uint64_t{256} << 20;
-        std::int64_t seconds = std::int64_t{30} * 24 * 60 * 60;
+        std::size_t recordsOfAFile = 20;                         ///< Of one movie.
+        std::size_t records = 10'000;                            ///< Of all movies.
+        std::uint64_t bytesOfARecord = std::uint64_t{64} << 20;  ///< A longer one is not kept.
+        std::uint64_t bytes = std::uint64_t{256} << 20;          ///< Of all records.
+        std::int64_t seconds = std::int64_t{30} * 24 * 60 * 60;  ///< How long a record is kept.
     };
     /// Seconds since 1970.
     using Clock = std::function<std::int64_t()>;
@@ -36,6 +37,7 @@ public:
     /// Without a folder nothing is kept.
     UndoStore(FileSystem& files, std::optional<std::filesystem::path> folder)
         : UndoStore(files, std::move(folder), Limits(), {}) {}
+    /// With limits and a clock of its own, for tests; an empty clock is the system's.
     UndoStore(FileSystem& files, std::optional<std::filesystem::path> folder, const Limits& limits,
               Clock clock);
 
@@ -59,7 +61,9 @@ private:
     Clock clock_;
 };
 
+/// What came of taking a save back.
 struct UndoResult {
+    /// How the file is now.
     enum class Outcome {
         Undone,         ///< The file is, byte for byte, what it was before its last save.
         AlreadyUndone,  ///< It was that before; only its record was still there.
@@ -68,9 +72,9 @@ struct UndoResult {
         Failed,   ///< It is as it was, unless the failure says otherwise.
     };
 
-    Outcome outcome = Outcome::NothingToUndo;
-    std::string text;  ///< For people; says it all.
-    std::optional<SaveFailure> failure;
+    Outcome outcome = Outcome::NothingToUndo;  ///< In one word.
+    std::string text;                          ///< For people; says it all.
+    std::optional<SaveFailure> failure;        ///< Why, where it failed.
     FileChange change = {};  ///< What was written to undo the save; empty where nothing was.
 };
 

@@ -11,6 +11,7 @@
 
 namespace vexqt {
 
+/// What was done.
 enum class Recovery {
     NothingToDo,  ///< No journal lies beside the movie.
     RolledBack,   ///< The movie is what it was before the interrupted save.
@@ -19,13 +20,15 @@ enum class Recovery {
     Failed,       ///< The movie and its journal are in need of recovery as before.
 };
 
+/// What was done about an interrupted change.
 struct RecoveryResult {
-    Recovery outcome = Recovery::NothingToDo;
-    std::string text;  ///< For people; says it all.
-    std::filesystem::path journal;
-    std::optional<SaveFailure> failure;
+    Recovery outcome = Recovery::NothingToDo;  ///< In one word.
+    std::string text;                          ///< For people; says it all.
+    std::filesystem::path journal;             ///< The journal that was found; empty for none.
+    std::optional<SaveFailure> failure;        ///< Why, where it failed.
 };
 
+/// Whether a movie is recovered that somebody changed since.
 enum class IfChanged {
     Refuse,
     /// Puts the old bytes back where they were, or gives up a journal that is damaged.

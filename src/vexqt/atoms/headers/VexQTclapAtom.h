@@ -14,20 +14,28 @@ public:
 
     VexQTclapAtom() { setAtomSize(40); }
 
+    /// The width of the aperture in pixels: numerator.
     std::uint32_t apertureWidth_N() const { return apertureWidth_N_; }
     void setApertureWidth_N(std::uint32_t numerator) { apertureWidth_N_ = numerator; }
+    /// Its denominator; not checked for 0.
     std::uint32_t apertureWidth_D() const { return apertureWidth_D_; }
     void setApertureWidth_D(std::uint32_t denominator) { apertureWidth_D_ = denominator; }
+    /// The height of the aperture in pixels: numerator.
     std::uint32_t apertureHeight_N() const { return apertureHeight_N_; }
     void setApertureHeight_N(std::uint32_t numerator) { apertureHeight_N_ = numerator; }
+    /// Its denominator.
     std::uint32_t apertureHeight_D() const { return apertureHeight_D_; }
     void setApertureHeight_D(std::uint32_t denominator) { apertureHeight_D_ = denominator; }
+    /// How far its centre lies to the right of the picture's, in pixels: numerator.
     std::uint32_t horizOff_N() const { return horizOff_N_; }
     void setHorizOff_N(std::uint32_t numerator) { horizOff_N_ = numerator; }
+    /// Its denominator.
     std::uint32_t horizOff_D() const { return horizOff_D_; }
     void setHorizOff_D(std::uint32_t denominator) { horizOff_D_ = denominator; }
+    /// How far its centre lies below the picture's, in pixels: numerator.
     std::uint32_t vertOff_N() const { return vertOff_N_; }
     void setVertOff_N(std::uint32_t numerator) { vertOff_N_ = numerator; }
+    /// Its denominator.
     std::uint32_t vertOff_D() const { return vertOff_D_; }
     void setVertOff_D(std::uint32_t denominator) { vertOff_D_ = denominator; }
 

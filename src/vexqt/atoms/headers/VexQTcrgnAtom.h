@@ -12,6 +12,7 @@ class VEXQT_EXPORT VexQTcrgnAtom final : public AtomOf<VexQTcrgnAtom> {
 public:
     static const AtomClass kClass;
 
+    /// In bytes, itself counted: 10 for a rectangle.
     std::uint16_t regionSize() const { return regionSize_; }
     void setRegionSize(std::uint16_t size) { regionSize_ = size; }
     /// The four sides of 16 bits as one number.

@@ -9,6 +9,7 @@ class VEXQT_EXPORT VexQTendaAtom final : public AtomOf<VexQTendaAtom> {
 public:
     static const AtomClass kClass;
 
+    /// Whether the least significant byte comes first. The field is 1 or 0.
     bool littleEndian() const { return littleEndian_; }
     void setLittleEndian(bool littleEndian) { littleEndian_ = littleEndian; }
 

@@ -9,6 +9,7 @@ class VEXQT_EXPORT VexQTfrmaAtom final : public AtomOf<VexQTfrmaAtom> {
 public:
     static const AtomClass kClass;
 
+    /// The four-character code of the format: 'mp4a'.
     OSType format() const { return format_; }
     void setFormat(OSType format) { format_ = format; }
 

@@ -18,10 +18,13 @@ public:
     /// The kind of media: 'vide', 'soun', …
     OSType componentSubType() const { return componentSubType_; }
     void setComponentSubType(OSType type) { componentSubType_ = type; }
+    /// The four-character code of the handler's maker; 0 in newer files.
     OSType componentManufacturer() const { return componentManufacturer_; }
     void setComponentManufacturer(OSType manufacturer) { componentManufacturer_ = manufacturer; }
+    /// The handler's flags; 0 by rights.
     std::uint32_t componentFlags() const { return componentFlags_; }
     void setComponentFlags(std::uint32_t flags) { componentFlags_ = flags; }
+    /// Which of the flags count; 0 by rights.
     std::uint32_t componentFlagsMask() const { return componentFlagsMask_; }
     void setComponentFlagsMask(std::uint32_t mask) { componentFlagsMask_ = mask; }
 

@@ -12,6 +12,7 @@ public:
     /// When it was made, in UTC; absent is written as 2001-01-01.
     std::optional<Date> creationDateTime() const { return creationDateTime_; }
     void setCreationDateTime(std::optional<Date> date) { creationDateTime_ = date; }
+    /// When it was last changed, in UTC; absent is written as 2001-01-01.
     std::optional<Date> modificationDateTime() const { return modificationDateTime_; }
     void setModificationDateTime(std::optional<Date> date) { modificationDateTime_ = date; }
 

@@ -14,12 +14,14 @@ public:
     /// When it was made, in UTC; absent is written as 2001-01-01.
     std::optional<Date> creationDateTime() const { return creationDateTime_; }
     void setCreationDateTime(std::optional<Date> date) { creationDateTime_ = date; }
+    /// When it was last changed, in UTC; absent is written as 2001-01-01.
     std::optional<Date> modificationDateTime() const { return modificationDateTime_; }
     void setModificationDateTime(std::optional<Date> date) { modificationDateTime_ = date; }
 
     /// Time units a second. Every time below is in these units.
     std::uint32_t timeScale() const { return timeScale_; }
     void setTimeScale(std::uint32_t scale) { timeScale_ = scale; }
+    /// The longest track.
     std::uint32_t duration() const { return duration_; }
     void setDuration(std::uint32_t duration) { duration_ = duration; }
 
@@ -30,16 +32,22 @@ public:
     float preferredVolume() const { return preferredVolume_; }
     void setPreferredVolume(float volume) { preferredVolume_ = volume; }
 
+    /// Where the preview begins.
     std::uint32_t previewTime() const { return previewTime_; }
     void setPreviewTime(std::uint32_t time) { previewTime_ = time; }
+    /// How long the preview is.
     std::uint32_t previewDuration() const { return previewDuration_; }
     void setPreviewDuration(std::uint32_t duration) { previewDuration_ = duration; }
+    /// Where the poster frame is.
     std::uint32_t posterTime() const { return posterTime_; }
     void setPosterTime(std::uint32_t time) { posterTime_ = time; }
+    /// Where the selection begins.
     std::uint32_t selectionTime() const { return selectionTime_; }
     void setSelectionTime(std::uint32_t time) { selectionTime_ = time; }
+    /// How long the selection is.
     std::uint32_t selectionDuration() const { return selectionDuration_; }
     void setSelectionDuration(std::uint32_t duration) { selectionDuration_ = duration; }
+    /// Where playback stands.
     std::uint32_t currentTime() const { return currentTime_; }
     void setCurrentTime(std::uint32_t time) { currentTime_ = time; }
     /// The ID that the next new track gets.

@@ -12,6 +12,7 @@ public:
     /// The version and the flags as one number.
     std::uint32_t reserved1() const { return reserved1_; }
     void setReserved1(std::uint32_t versionAndFlags) { reserved1_ = versionAndFlags; }
+    /// The four-character code of the scheme: 'cenc'.
     OSType schemaType() const { return schemaType_; }
     void setSchemaType(OSType type) { schemaType_ = type; }
     /// The version of the scheme.

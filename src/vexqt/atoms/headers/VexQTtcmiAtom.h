@@ -9,6 +9,7 @@ class VEXQT_EXPORT VexQTtcmiAtom final : public AtomOf<VexQTtcmiAtom> {
 public:
     static const AtomClass kClass;
 
+    /// The number of the font; 0 for the one that is named.
     std::uint16_t textFont() const { return textFont_; }
     void setTextFont(std::uint16_t font) { textFont_ = font; }
     /// The style bits: bold, italic, …
@@ -23,6 +24,7 @@ public:
     /// Red, green and blue; an absent colour is written as black.
     const std::optional<Color>& textColor() const { return textColor_; }
     void setTextColor(std::optional<Color> color) { textColor_ = color; }
+    /// The same of what lies behind the text.
     const std::optional<Color>& backgroundColor() const { return backgroundColor_; }
     void setBackgroundColor(std::optional<Color> color) { backgroundColor_ = color; }
     /// ASCII; absent when it does not decode.

@@ -14,9 +14,11 @@ public:
     /// When it was made, in UTC; absent is written as 2001-01-01.
     std::optional<Date> creationDateTime() const { return creationDateTime_; }
     void setCreationDateTime(std::optional<Date> date) { creationDateTime_ = date; }
+    /// When it was last changed, in UTC; absent is written as 2001-01-01.
     std::optional<Date> modificationDateTime() const { return modificationDateTime_; }
     void setModificationDateTime(std::optional<Date> date) { modificationDateTime_ = date; }
 
+    /// The number by which others name the track: from 1 on, unique in the movie.
     std::uint32_t trackID() const { return trackID_; }
     void setTrackID(std::uint32_t trackID) { trackID_ = trackID; }
     /// In units of the movie's time scale.
@@ -34,6 +36,7 @@ public:
     /// In pixels.
     float trackWidth() const { return trackWidth_; }
     void setTrackWidth(float width) { trackWidth_ = width; }
+    /// In pixels.
     float trackHeight() const { return trackHeight_; }
     void setTrackHeight(float height) { trackHeight_ = height; }
 

@@ -43,6 +43,7 @@ public:
     /// The type indicator.
     std::uint32_t dataType() const { return dataType_; }
     void setDataType(std::uint32_t type) { dataType_ = type; }
+    /// The country in the high half and the language in the low one; 0 for any.
     std::uint32_t dataLocale() const { return dataLocale_; }
     void setDataLocale(std::uint32_t locale) { dataLocale_ = locale; }
     /// The kind of value, one of the constants above. Absent where an integer has no usable length.
@@ -62,6 +63,7 @@ public:
     /// These bytes are written whatever they are; the picture stays as it is.
     void setRawImageData(std::optional<Bytes> bytes);
 
+    /// The number that the atom holds; absent where it holds something else.
     const std::optional<Number>& value() const { return value_; }
     void setValue(std::optional<Number> value) { value_ = value; }
     /// The low 32 bits of the value; 0 where it is absent.
@@ -72,10 +74,13 @@ public:
     /// halves there, so that three tracks of twelve read as 3 and 12 times 65536.
     std::uint32_t trackNumber() const { return trackNumber_; }
     void setTrackNumber(std::uint32_t number) { trackNumber_ = number; }
+    /// How many tracks there are; 0 where that is not known.
     std::uint32_t totalTracks() const { return totalTracks_; }
     void setTotalTracks(std::uint32_t count) { totalTracks_ = count; }
+    /// Together with totalDisks six bytes, the first two of them reserved.
     std::uint16_t diskNumber() const { return diskNumber_; }
     void setDiskNumber(std::uint16_t number) { diskNumber_ = number; }
+    /// How many disks there are; 0 where that is not known.
     std::uint16_t totalDisks() const { return totalDisks_; }
     void setTotalDisks(std::uint16_t count) { totalDisks_ = count; }
 
@@ -83,8 +88,11 @@ public:
     /// hold.
     static Bytes dataWithImage(const std::optional<Picture>& image,
                                PictureFormat usingBitmapFileType);
+    /// A JPEG file, or no bytes.
     static Bytes JPEGDataWithImage(const std::optional<Picture>& image);
+    /// A BMP file, or no bytes.
     static Bytes BMPDataWithImage(const std::optional<Picture>& image);
+    /// A PNG file, or no bytes.
     static Bytes PNGDataWithImage(const std::optional<Picture>& image);
 
 private:

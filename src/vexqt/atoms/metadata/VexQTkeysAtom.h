@@ -8,6 +8,7 @@ namespace vexqt {
 class VEXQT_EXPORT VexQTKeyEntry : public Record {
 public:
     VexQTKeyEntry() = default;
+    /// An entry with these properties.
     VexQTKeyEntry(std::int64_t keyIndex, OSType nameSpace, std::optional<std::string> value)
         : index_(keyIndex), nameSpace_(nameSpace), value_(std::move(value)) {}
 
@@ -15,8 +16,10 @@ public:
     /// is what counts.
     std::int64_t index() const { return index_; }
     void setIndex(std::int64_t index) { index_ = index; }
+    /// What the key's name is unique in: 'mdta'.
     OSType nameSpace() const { return nameSpace_; }
     void setNameSpace(OSType nameSpace) { nameSpace_ = nameSpace; }
+    /// The same as four characters.
     std::string nameSpaceString() const { return textFromCode(nameSpace_); }
     void setNameSpaceString(std::string_view text) { nameSpace_ = codeFromText(text); }
     /// ASCII; absent when there is none or it does not decode.
@@ -42,9 +45,11 @@ class VEXQT_EXPORT VexQTkeysAtom final : public AtomOf<VexQTkeysAtom> {
 public:
     static const AtomClass kClass;
 
+    /// In file order.
     const std::vector<VexQTKeyEntry>& keys() const { return keys_; }
     std::vector<VexQTKeyEntry>& keys() { return keys_; }
     void setKeys(std::vector<VexQTKeyEntry> keys) { keys_ = std::move(keys); }
+    /// How many there are.
     std::size_t numberOfKeys() const { return keys_.size(); }
 
 private:

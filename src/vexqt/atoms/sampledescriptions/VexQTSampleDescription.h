@@ -37,6 +37,7 @@ public:
     struct CommonRows;
 
 protected:
+    /// For subclasses.
     explicit VexQTSampleDescription(const AtomClass& cls) : ContainerAtom(cls) {}
 
     /// Which extension atoms a class reads behind its fields.

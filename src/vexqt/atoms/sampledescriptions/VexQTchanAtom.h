@@ -19,10 +19,13 @@ public:
     /// How the coordinates are meant.
     std::uint32_t channelFlags() const { return channelFlags_; }
     void setChannelFlags(std::uint32_t flags) { channelFlags_ = flags; }
+    /// In metres or degrees, as the flags say: to the right, or the azimuth.
     float channelCoordinateX() const { return channelCoordinateX_; }
     void setChannelCoordinateX(float coordinate) { channelCoordinateX_ = coordinate; }
+    /// To the front, or the elevation.
     float channelCoordinateY() const { return channelCoordinateY_; }
     void setChannelCoordinateY(float coordinate) { channelCoordinateY_ = coordinate; }
+    /// Upwards, or the distance.
     float channelCoordinateZ() const { return channelCoordinateZ_; }
     void setChannelCoordinateZ(float coordinate) { channelCoordinateZ_ = coordinate; }
 
@@ -44,8 +47,11 @@ public:
 
     VexQTchanAtom();
 
+    /// Which layout it is: a kind in the high half and the number of channels in the low one; 0 for
+    /// the descriptions, 65536 for the bitmap.
     std::uint32_t channelLayoutTag() const { return channelLayoutTag_; }
     void setChannelLayoutTag(std::uint32_t tag) { channelLayoutTag_ = tag; }
+    /// One bit for every channel that is there, the front left in the lowest.
     std::uint32_t channelBitmap() const { return channelBitmap_; }
     void setChannelBitmap(std::uint32_t bitmap) { channelBitmap_ = bitmap; }
     /// Whether zeros for one description are written where there is none. Any byte behind a count

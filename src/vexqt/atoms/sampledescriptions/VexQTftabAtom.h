@@ -17,6 +17,7 @@ public:
     static std::unique_ptr<VexQTFontTableEntry> initWithData(ByteView data, VexQTAtom* parent,
                                                              std::uint64_t offsetInFile);
 
+    /// From 1 on.
     std::uint16_t fontID() const { return fontID_; }
     void setFontID(std::uint16_t fontID) { fontID_ = fontID; }
     /// ASCII; absent when it does not decode.
@@ -40,6 +41,7 @@ class VEXQT_EXPORT VexQTftabAtom final : public AtomOf<VexQTftabAtom> {
 public:
     static const AtomClass kClass;
 
+    /// In file order.
     const std::vector<VexQTFontTableEntry>& fontTableEntries() const { return fontTableEntries_; }
     std::vector<VexQTFontTableEntry>& fontTableEntries() { return fontTableEntries_; }
     void setFontTableEntries(std::vector<VexQTFontTableEntry> entries) {

@@ -10,6 +10,7 @@ namespace vexqt {
 class VEXQT_EXPORT VexQTmebxkeyEntry final : public Record {
 public:
     VexQTmebxkeyEntry() = default;
+    /// An entry with these properties; the text of key() is absent.
     VexQTmebxkeyEntry(std::uint32_t keyIndex, OSType nameSpace, std::optional<std::string> value,
                       std::uint64_t dataType)
         : index_(keyIndex), nameSpace_(nameSpace), value_(std::move(value)), dataType_(dataType) {}
@@ -17,8 +18,10 @@ public:
     /// The code under which the key's values stand in the samples.
     std::uint32_t index() const { return index_; }
     void setIndex(std::uint32_t index) { index_ = index; }
+    /// What the key's name is unique in: 'mdta'.
     OSType nameSpace() const { return nameSpace_; }
     void setNameSpace(OSType nameSpace) { nameSpace_ = nameSpace; }
+    /// The same as four characters.
     std::string nameSpaceString() const { return ValueCodecs::stringWithOSType(nameSpace_); }
     void setNameSpaceString(std::string_view text) {
         nameSpace_ = ValueCodecs::OSTypeWithString(text);
@@ -52,9 +55,11 @@ class VEXQT_EXPORT VexQTmebxkeysAtom final : public AtomOf<VexQTmebxkeysAtom> {
 public:
     static const AtomClass kClass;
 
+    /// In the order in which they were read.
     const std::vector<VexQTmebxkeyEntry>& keys() const { return keys_; }
     std::vector<VexQTmebxkeyEntry>& keys() { return keys_; }
     void setKeys(std::vector<VexQTmebxkeyEntry> keys) { keys_ = std::move(keys); }
+    /// How many there are.
     std::size_t numberOfKeys() const { return keys_.size(); }
 
 private:

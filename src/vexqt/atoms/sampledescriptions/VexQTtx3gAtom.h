@@ -15,6 +15,7 @@ public:
     /// Counted from 1.
     std::uint16_t dataReferenceIndex() const { return dataReferenceIndex_; }
     void setDataReferenceIndex(std::uint16_t index) { dataReferenceIndex_ = index; }
+    /// How the text scrolls and is drawn.
     std::uint32_t displayFlags() const { return displayFlags_; }
     void setDisplayFlags(std::uint32_t flags) { displayFlags_ = flags; }
     /// 0 is left, 1 the middle, 0xFF right.
@@ -27,29 +28,36 @@ public:
     /// A grey-level colour, which the background of a new description is, cannot be written.
     const Color& backgroundColor() const { return backgroundColor_; }
     void setBackgroundColor(Color color) { backgroundColor_ = color; }
+    /// Red, green, blue and alpha, each in a byte of the file.
     const Color& fontColor() const { return fontColor_; }
     void setFontColor(Color color) { fontColor_ = color; }
 
     /// In pixels; only the low 16 bits are written.
     std::int32_t textBoxTop() const { return textBoxTop_; }
     void setTextBoxTop(std::int32_t top) { textBoxTop_ = top; }
+    /// In pixels.
     std::int32_t textBoxBottom() const { return textBoxBottom_; }
     void setTextBoxBottom(std::int32_t bottom) { textBoxBottom_ = bottom; }
+    /// In pixels.
     std::int32_t textBoxLeft() const { return textBoxLeft_; }
     void setTextBoxLeft(std::int32_t left) { textBoxLeft_ = left; }
+    /// In pixels.
     std::int32_t textBoxRight() const { return textBoxRight_; }
     void setTextBoxRight(std::int32_t right) { textBoxRight_ = right; }
 
     /// The first character that the default style covers.
     std::uint16_t startChar() const { return startChar_; }
     void setStartChar(std::uint16_t index) { startChar_ = index; }
+    /// The character behind the last one that it covers.
     std::uint16_t endChar() const { return endChar_; }
     void setEndChar(std::uint16_t index) { endChar_ = index; }
+    /// Of a font in the font table.
     std::uint16_t fontID() const { return fontID_; }
     void setFontID(std::uint16_t fontID) { fontID_ = fontID; }
     /// The style bits: bold, italic, underlined.
     std::uint8_t fontFace() const { return fontFace_; }
     void setFontFace(std::uint8_t face) { fontFace_ = face; }
+    /// In pixels.
     std::uint8_t fontSize() const { return fontSize_; }
     void setFontSize(std::uint8_t size) { fontSize_ = size; }
 

@@ -13,8 +13,10 @@ class VEXQT_EXPORT VexQTvideSampleDescription final
 public:
     static const AtomClass kClass;
 
+    /// The version of the compressed data; 0 by rights.
     std::uint16_t videoVersion() const { return videoVersion_; }
     void setVideoVersion(std::uint16_t version) { videoVersion_ = version; }
+    /// The version of the compressor; 0 by rights.
     std::uint16_t revisionLevel() const { return revisionLevel_; }
     void setRevisionLevel(std::uint16_t level) { revisionLevel_ = level; }
     /// The four-character code of the compressor's maker.
@@ -29,11 +31,13 @@ public:
     /// In pixels.
     std::uint16_t width() const { return width_; }
     void setWidth(std::uint16_t width) { width_ = width; }
+    /// In pixels.
     std::uint16_t height() const { return height_; }
     void setHeight(std::uint16_t height) { height_ = height; }
     /// In whole pixels per inch; fractions in the file are cut off.
     std::uint32_t horizontalResolution() const { return horizontalResolution_; }
     void setHorizontalResolution(std::uint32_t resolution) { horizontalResolution_ = resolution; }
+    /// In whole pixels per inch; fractions in the file are cut off.
     std::uint32_t verticalResolution() const { return verticalResolution_; }
     void setVerticalResolution(std::uint32_t resolution) { verticalResolution_ = resolution; }
     /// How many frames are in a sample.

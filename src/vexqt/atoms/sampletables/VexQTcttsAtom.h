@@ -11,9 +11,11 @@ public:
     struct Layout;
 
     VexQTCompositionOffset() = default;
+    /// A run with these properties.
     VexQTCompositionOffset(std::uint32_t sampleCount, std::uint32_t compositionOffset)
         : sampleCount_(sampleCount), compositionOffset_(compositionOffset) {}
 
+    /// How many samples the run has.
     std::uint32_t sampleCount() const { return sampleCount_; }
     void setSampleCount(std::uint32_t count) { sampleCount_ = count; }
     /// In units of the media's time scale: the file's 32 bits, never taken for a signed number,
@@ -32,6 +34,7 @@ class VEXQT_EXPORT VexQTcttsAtom final : public AtomOf<VexQTcttsAtom> {
 public:
     static const AtomClass kClass;
 
+    /// In file order.
     const std::vector<VexQTCompositionOffset>& compositionOffsets() const {
         return compositionOffsets_.rows();
     }

@@ -39,6 +39,7 @@ class VEXQT_EXPORT VexQTelstAtom final : public AtomOf<VexQTelstAtom> {
 public:
     static const AtomClass kClass;
 
+    /// In the order in which they are played.
     const std::vector<VexQTEditListEntry>& editListEntries() const {
         return editListEntries_.rows();
     }

@@ -12,11 +12,13 @@ public:
     struct Layout;
 
     VexQTSampleToChunkEntry() = default;
+    /// A run with these properties.
     VexQTSampleToChunkEntry(std::uint32_t firstChunk, std::uint32_t samplesPerChunk,
                             std::uint32_t sampleDescriptionID)
         : firstChunk_(firstChunk),
           samplesPerChunk_(samplesPerChunk),
           sampleDescriptionID_(sampleDescriptionID) {}
+    /// The same as the constructor.
     static VexQTSampleToChunkEntry sampleToChunkEntryWithFirstChunk(
         std::uint32_t firstChunk, std::uint32_t samplesPerChunk,
         std::uint32_t sampleDescriptionID) {
@@ -26,6 +28,7 @@ public:
     /// The number of a chunk, from 1 on.
     std::uint32_t firstChunk() const { return firstChunk_; }
     void setFirstChunk(std::uint32_t chunk) { firstChunk_ = chunk; }
+    /// How many samples each chunk of the run holds.
     std::uint32_t samplesPerChunk() const { return samplesPerChunk_; }
     void setSamplesPerChunk(std::uint32_t samples) { samplesPerChunk_ = samples; }
     /// The number of a sample description, from 1 on.
@@ -45,6 +48,7 @@ class VEXQT_EXPORT VexQTstscAtom final : public AtomOf<VexQTstscAtom> {
 public:
     static const AtomClass kClass;
 
+    /// In file order, which is that of the chunks.
     const std::vector<VexQTSampleToChunkEntry>& sampleToChunkEntries() const {
         return sampleToChunkEntries_.rows();
     }

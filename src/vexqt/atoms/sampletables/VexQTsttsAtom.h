@@ -11,9 +11,11 @@ public:
     struct Layout;
 
     VexQTSampleDuration() = default;
+    /// A run with these properties.
     VexQTSampleDuration(std::uint32_t sampleCount, std::uint32_t sampleDuration)
         : sampleCount_(sampleCount), sampleDuration_(sampleDuration) {}
 
+    /// How many samples the run has.
     std::uint32_t sampleCount() const { return sampleCount_; }
     void setSampleCount(std::uint32_t count) { sampleCount_ = count; }
     /// In units of the media's time scale.
@@ -30,6 +32,7 @@ class VEXQT_EXPORT VexQTsttsAtom final : public AtomOf<VexQTsttsAtom> {
 public:
     static const AtomClass kClass;
 
+    /// In file order.
     const std::vector<VexQTSampleDuration>& sampleDurations() const {
         return sampleDurations_.rows();
     }

@@ -12,6 +12,7 @@ public:
     /// A four-character code; "qt  " for one made in memory.
     OSType majorBrand() const { return majorBrand_; }
     void setMajorBrand(OSType brand) { majorBrand_ = brand; }
+    /// The version of the major brand, as its owner counts.
     std::uint32_t minorVersion() const { return minorVersion_; }
     void setMinorVersion(std::uint32_t version) { minorVersion_ = version; }
     /// Four-character codes, each held as a signed number; "qt  " and three zeros for one made in
