@@ -2,7 +2,7 @@
 # and as the pkg-config package vexqt, and the programs. Nothing in the packages names the place
 # that they were installed to, so that they may be moved.
 #
-# What is installed has one of the components library, development, command and documentation.
+# What is installed has one of the components library, development, command and inspector.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 
@@ -19,6 +19,21 @@ install(EXPORT VexQt
   FILE VexQtTargets.cmake
   DESTINATION ${package}
   COMPONENT development)
+
+if(TARGET vexqt_inspector)
+  set_target_properties(vexqt_inspector PROPERTIES
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+  install(TARGETS vexqt_inspector EXPORT VexQtInspector
+    LIBRARY COMPONENT inspector NAMELINK_COMPONENT development
+    ARCHIVE COMPONENT development
+    FILE_SET HEADERS COMPONENT development)
+  install(EXPORT VexQtInspector
+    NAMESPACE VexQt::
+    FILE VexQtInspectorTargets.cmake
+    DESTINATION ${package}
+    COMPONENT development)
+endif()
 
 # A static library leaves it to its users to link what it needs.
 set(VEXQT_NEEDS "")
@@ -59,9 +74,13 @@ install(FILES ${PROJECT_BINARY_DIR}/vexqt.pc
 
 # MARK: Programs
 
+# Where the libraries are shared, a program finds them beside itself.
+file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
 if(TARGET vexqt_command)
-  # Where the library is shared, the program finds it beside itself.
-  file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
   set_target_properties(vexqt_command PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS vexqt_command COMPONENT command)
+endif()
+if(TARGET vexqt_inspector_app)
+  set_target_properties(vexqt_inspector_app PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  install(TARGETS vexqt_inspector_app COMPONENT inspector)
 endif()

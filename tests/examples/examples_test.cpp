@@ -126,5 +126,15 @@ TEST_F(Examples, DelayTrackSaysWhichStepLedNowhere) {
     EXPECT_EQ(outcome.status, 1);
 }
 
+#ifdef VEXQT_VIEWER
+TEST_F(Examples, ViewerOpensItsWindowAndStaysThere) {
+    const auto clip = movie();
+    const Outcome outcome = run({"env", "QT_QPA_PLATFORM=offscreen", "timeout", "2",
+                                 VEXQT_EXAMPLES "/viewer", clip.string()});
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_EQ(outcome.status, 124) << "timeout ended it";
+}
+#endif
+
 }  // namespace
 }  // namespace vexqt
