@@ -31,7 +31,7 @@ VEXQT_EXPORT std::optional<Bytes> encodedRow(const Field& row, const Record& rec
 
 /// The properties that a row of the class reads and writes: itself, or those that stand right
 /// behind an irregular one.
-std::span<const Field> propertiesOf(const AtomClass& cls, const Field& row);
+VEXQT_EXPORT std::span<const Field> propertiesOf(const AtomClass& cls, const Field& row);
 
 /// The name of a row for people: its own, or that of the property whose bytes it holds.
 VEXQT_EXPORT std::string_view nameOfRow(const AtomClass& cls, const Field& row);

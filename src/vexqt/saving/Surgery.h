@@ -50,7 +50,7 @@ private:
 
 /// The bytes of a row that was edited.
 struct EditedRow {
-    Bytes bytes;
+    Bytes bytes;  ///< As they are written.
     /// Whether they are the class's own, and those that were read were not: what of them nobody
     /// edited is written in another way as well.
     bool isRewritten = false;
