@@ -35,6 +35,7 @@ match(line, /^ *[A-Za-z_:0-9<>]+& [A-Za-z_0-9]+\(\) *\{/) || match(line, /^ *std
 /^std::(true|false)_type keepsEveryBit/ { say("Tells VerbatimCodec which codecs are plain; nobody calls it.") }
 /^inline constexpr std::string_view VexQTDataAtomType_/ { say("A kind of value that a data atom can hold.") }
 /^ *static constexpr std::size_t width = / { say("How many bytes it takes up in the file.") }
+/^ *static constexpr NumberRange range = / { say("Which numbers there is room for.") }
 /^ *static constexpr Display display = / { say("How people write it.") }
 /^ *static .* read\(ByteReader& in\) \{/ { say("Reads a value. \\throws RangeError where bytes are missing.") }
 /^ *static void write\(ByteWriter& out, / { say("Appends the bytes of a value.") }
@@ -44,7 +45,7 @@ match(line, /^ *[A-Za-z_:0-9<>]+& [A-Za-z_0-9]+\(\) *\{/) || match(line, /^ *std
 /^    [A-Za-z][^(){}]* [A-Za-z]+_( = [^;(){}]*)?;/ { say("Where the property of that name is kept, for subclasses.") }
 
 # Two members in one declaration: the comment in front is about both.
-/^    std::u?int[0-9]+_t [a-zA-Z]+ = 0, [a-zA-Z]+ = 0;/ && documented() {
+/^    (std::u?int[0-9]+_t|double) [a-zA-Z]+ = 0, [a-zA-Z]+ = 0;/ && documented() {
     split(line, word, /[ ,=]+/)
     sub(/, /, "; /** Beside " word[3] ". */ " word[2] " ", line)
 }

@@ -49,9 +49,12 @@ struct Field;
 /// The numbers that a field has room for, from the least up to the end, which is the first that is
 /// too large.
 struct NumberRange {
+    /// In the unit of the field.
     double least = 0, end = 0;
 
+    /// Whether there is a range.
     constexpr bool isKnown() const { return least < end; }
+    /// Whether a number lies in it.
     constexpr bool has(double number) const { return least <= number && number < end; }
 };
 

@@ -11,7 +11,8 @@ namespace vexqt {
 
 /// Writes a file that takes its name only when all of it is on the disk, and replaces what had that
 /// name. A symbolic link stays one. After a failure what had the name still has it.
-std::optional<SaveFailure> writeWhole(const std::filesystem::path& path, ByteView bytes,
-                                      FileSystem& files = systemFiles());
+VEXQT_EXPORT std::optional<SaveFailure> writeWhole(const std::filesystem::path& path,
+                                                   ByteView bytes,
+                                                   FileSystem& files = systemFiles());
 
 }  // namespace vexqt
