@@ -3,6 +3,7 @@
 
 #include "vexqt/asset/AtomPath.h"
 #include "vexqt/asset/VexQTAsset.h"
+#include "vexqt/asset/atom_classes.h"
 #include "vexqt/atoms/headers/ApertureDimensionsAtom.h"
 #include "vexqt/atoms/headers/VexQTavcCAtom.h"
 #include "vexqt/atoms/headers/VexQTclapAtom.h"
@@ -100,6 +101,7 @@
 #include "vexqt/platform/Picture.h"
 #include "vexqt/platform/bytes_types.h"
 #include "vexqt/platform/dates.h"
+#include "vexqt/platform/did_you_mean.h"
 #include "vexqt/platform/error.h"
 #include "vexqt/platform/files.h"
 #include "vexqt/platform/log.h"

@@ -86,6 +86,9 @@ public:
     static std::vector<std::string> segmentsOf(const Atoms& siblings);
     /// The text of the key that an item of keyed metadata belongs to; absent for everything else.
     static std::optional<std::string> keyOf(const VexQTAtom& atom);
+    /// The kind of media that an atom or one of its children says that it is, as the brackets of
+    /// trak[vide] ask for it.
+    static std::optional<OSType> mediaTypeOf(const VexQTAtom& atom);
 
 private:
     struct Segment {
