@@ -79,6 +79,17 @@ file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_L
 if(TARGET vexqt_command)
   set_target_properties(vexqt_command PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS vexqt_command COMPONENT command)
+  # Each shell looks for a name of its own.
+  set(completions ${PROJECT_SOURCE_DIR}/apps/vexqt/completions)
+  install(FILES ${completions}/vexqt.bash RENAME vexqt
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+    COMPONENT command)
+  install(FILES ${completions}/_vexqt
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions
+    COMPONENT command)
+  install(FILES ${completions}/vexqt.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d
+    COMPONENT command)
 endif()
 if(TARGET vexqt_inspector_app)
   set_target_properties(vexqt_inspector_app PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")

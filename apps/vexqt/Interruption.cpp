@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdlib>
+#include <mutex>
 
 namespace vexqt::cli {
 
@@ -13,6 +14,8 @@ constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
 volatile std::sig_atomic_t received = 0;
 std::array<struct sigaction, kSignals.size()> before;
+std::mutex mutex;  // Of what follows: several movies may be saved at a time.
+std::size_t count = 0;
 
 void receive(int signal) { received = signal; }
 
@@ -25,6 +28,8 @@ void Interrupted::endProcess() const {
 }
 
 Interruption::Interruption() {
+    const std::lock_guard lock(mutex);
+    if (count++ > 0) return;
     received = 0;
     for (std::size_t i = 0; i < kSignals.size(); ++i) {
         struct sigaction action = {};
@@ -37,6 +42,8 @@ Interruption::Interruption() {
 }
 
 Interruption::~Interruption() {
+    const std::lock_guard lock(mutex);
+    if (--count > 0) return;
     for (std::size_t i = 0; i < kSignals.size(); ++i) ::sigaction(kSignals[i], &before[i], nullptr);
 }
 

@@ -18,7 +18,8 @@ private:
 };
 
 /// As long as one lives, SIGINT, SIGTERM and SIGHUP wait for check(): what was begun is taken back
-/// or brought to its end, and leaves no half of a copy and no journal. One at a time.
+/// or brought to its end, and leaves no half of a copy and no journal. Of several that live at a
+/// time, in as many threads, each is told.
 class Interruption {
 public:
     Interruption();

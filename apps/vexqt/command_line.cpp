@@ -3,7 +3,9 @@
 #include <CLI/CLI.hpp>
 
 #include "apps/vexqt/commands.h"
+#include "apps/vexqt/completion.h"
 #include "apps/vexqt/movies.h"
+#include "vexqt/platform/did_you_mean.h"
 
 namespace vexqt::cli {
 
@@ -19,7 +21,7 @@ struct Operands {
     std::size_t most = 0;
 };
 
-enum class Files { One, Several };
+enum class Files { None, One, Several };
 enum class Saves { No, Edited, Exactly };
 
 struct CommandDescription {
@@ -44,6 +46,21 @@ void addEveryRow(CLI::App& app, Arguments& arguments) {
     app.add_flag("-r,--recursive", arguments.recursive, "also all the atoms below");
 }
 
+void addJobs(CLI::App& app, Arguments& arguments) {
+    static constexpr std::size_t kMost = 256;
+    app.add_option("--jobs", arguments.jobs, "how many files are worked on at a time, 1 without it")
+        ->type_name("N")
+        ->check(CLI::Range(std::size_t{1}, kMost));
+}
+
+void addFilesFrom(CLI::App& app, Arguments& arguments) {
+    app.add_option("--files-from", arguments.filesFrom,
+                   "also the files that are named in LIST, one a line; - for standard input")
+        ->type_name("LIST");
+    app.add_flag("--null", arguments.areNamesZeroEnded,
+                 "names in LIST end with a zero byte, as find -print0 writes them");
+}
+
 constexpr CommandDescription kCommands[] = {
     {.name = "outline",
      .does = "prints the tree of atoms, one a line",
@@ -57,7 +74,9 @@ constexpr CommandDescription kCommands[] = {
     {.name = "json",
      .does = "prints the whole decoded tree as JSON, one document a file",
      .examples = "  vexqt json clip.mov\n"
-                 "  vexqt json --lines *.mov | jq -r 'select(.isValid | not) | .file'\n",
+                 "  vexqt json --lines *.mov | jq -r 'select(.isValid | not) | .file'\n"
+                 "  find . -name '*.mov' -print0 | vexqt json --lines --files-from - --null "
+                 "--jobs 4\n",
      .files = Files::Several,
      .operands = {},
      .saves = Saves::No,
@@ -65,6 +84,7 @@ constexpr CommandDescription kCommands[] = {
      .addOptions =
          [](CLI::App& app, Arguments& arguments) {
              app.add_flag("--lines", arguments.onLines, "each document on one line");
+             addJobs(app, arguments);
          }},
     {.name = "show",
      .does = "prints an atom for people, or the movie's contents",
@@ -93,7 +113,8 @@ constexpr CommandDescription kCommands[] = {
          "  vexqt set clip.mov moov.mvhd.creationDateTime=2024-05-01T12:00:00Z -o fixed.mov\n"
          "  vexqt set clip.mov 'moov.trak[1].tkhd.trackWidth=1920' 'moov.trak[1].tkhd.layer=3' "
          "--in-place\n"
-         "  vexqt set clip.mov moov.trak.tkhd.matrix='0 1 0 -1 0 0 1080 0 1' --in-place\n",
+         "  vexqt set clip.mov moov.trak.tkhd.matrix='0 1 0 -1 0 0 1080 0 1' --in-place\n"
+         "  vexqt set --from settings.txt --in-place --jobs 4 *.mov\n",
      .files = Files::One,
      .operands = {"PATH.KEY=VALUE",
                   "a value to set: numbers decimal or 0x…, codes as four characters, dates as "
@@ -107,6 +128,12 @@ constexpr CommandDescription kCommands[] = {
              app.add_option("--absent", arguments.absent, "makes a value absent (repeatable)")
                  ->type_name("PATH.KEY")
                  ->allow_extra_args(false);
+             app.add_option("--from", arguments.settings,
+                            "a file of settings, one PATH.KEY=VALUE a line, for every FILE, of "
+                            "which there may be several; - for standard input")
+                 ->type_name("SETTINGS");
+             addFilesFrom(app, arguments);
+             addJobs(app, arguments);
          }},
     {.name = "remove",
      .does = "removes atoms, then saves",
@@ -226,6 +253,18 @@ constexpr CommandDescription kCommands[] = {
          "Records lie in $XDG_STATE_HOME/vexqt/undo, else in ~/.local/state/vexqt/undo, for 30 "
          "days, 20 at most for a file and 64 MiB at most each. VEXQT_UNDO=off keeps none, "
          "--no-undo none of one save."},
+    {.name = "properties",
+     .does = "lists the properties of the atom classes: names, types, units, what can be set",
+     .examples = "  vexqt properties mvhd\n"
+                 "  vexqt properties --json | jq -r '.classes[].class'\n",
+     .files = Files::None,
+     .operands = {"CLASS", "a class such as VexQTmvhdAtom, or a type; without it, all", 0, 1},
+     .saves = Saves::No,
+     .run = properties,
+     .addOptions =
+         [](CLI::App& app, Arguments& arguments) {
+             app.add_flag("--json", arguments.asJson, "as one JSON document");
+         }},
     {.name = "recover",
      .does = "ends a save that was interrupted: the movie is what it was before",
      .examples = "  vexqt recover clip.mov\n",
@@ -296,7 +335,14 @@ std::string operandsUsage(const CommandDescription& command) {
     if (operands.name.empty()) return "";
     const std::string name(operands.name);
     if (operands.least == 0 && operands.most == 1) return " [" + name + "]";
-    return " " + name + (operands.most == kAny && !name.ends_with(']') ? "…" : "");
+    const bool saysSo = name.ends_with("…") || name.ends_with(']');
+    const bool isLastRepeated = operands.most == kAny && !saysSo;
+    return " " + name + (isLastRepeated ? "…" : "");
+}
+
+std::string filesUsage(const CommandDescription& command) {
+    if (command.files == Files::None) return "";
+    return command.files == Files::Several ? " FILE…" : " FILE";
 }
 
 /// Text broken into lines, each behind so many blanks.
@@ -338,15 +384,21 @@ std::string overview() {
     return text;
 }
 
+/// "OUT", without the checks that CLI11 appends to it.
+std::string valueName(const CLI::Option& option) {
+    const std::string name = option.get_type_name();
+    return name.substr(0, name.find(':'));
+}
+
 std::string helpOf(const CommandDescription& command, const CLI::App& app) {
     std::string text = "vexqt " + std::string(command.name) + " " + std::string(command.does) +
                        ".\n\nExamples:\n" + std::string(command.examples) + "\nUsage: vexqt " +
-                       std::string(command.name) + " [OPTION…] " +
-                       (command.files == Files::Several ? "FILE…" : "FILE") +
+                       std::string(command.name) + " [OPTION…]" + filesUsage(command) +
                        operandsUsage(command) +
                        (command.saves == Saves::Edited ? " (--in-place | -o OUT)" : "") + "\n\n";
     const std::string file = command.files == Files::Several ? "movies" : "a movie";
-    text += entry("FILE", file + (needsFile(command) ? "" : ", or - for standard input"));
+    if (command.files != Files::None)
+        text += entry("FILE", file + (needsFile(command) ? "" : ", or - for standard input"));
     if (!command.operands.name.empty())
         text += entry(std::string(command.operands.name), command.operands.about);
     text += "\nOptions:\n";
@@ -354,7 +406,7 @@ std::string helpOf(const CommandDescription& command, const CLI::App& app) {
         if (option->get_positional()) continue;
         std::string name = option->get_name(false, true);
         std::ranges::replace(name, ',', ' ');
-        if (option->get_expected_min() > 0) name += ' ' + option->get_type_name();
+        if (option->get_expected_min() > 0) name += ' ' + valueName(*option);
         text += entry(name, option->get_description());
     }
     if (!command.more.empty()) text += "\n" + wrapped(command.more, 0) + "\n";
@@ -370,11 +422,13 @@ struct Request {
     const CommandDescription* command = nullptr;
 };
 
-void addSharedOptions(CLI::App& app, Request& request) {
-    app.add_flag("--memory", request.arguments.inMemory,
-                 "reads the file into memory first, and the movie from there");
-    app.add_flag("--strict", request.arguments.strict,
-                 "ends at the first thing that is wrong, with exit status 1");
+void addSharedOptions(CLI::App& app, Request& request, Files files) {
+    if (files != Files::None) {
+        app.add_flag("--memory", request.arguments.inMemory,
+                     "reads the file into memory first, and the movie from there");
+        app.add_flag("--strict", request.arguments.strict,
+                     "ends at the first thing that is wrong, with exit status 1");
+    }
     app.add_option("--color", request.color, "auto, always or never; NO_COLOR is respected")
         ->type_name("WHEN")
         ->check(CLI::IsMember({"auto", "always", "never"}));
@@ -393,6 +447,7 @@ void addCommand(CLI::App& app, const CommandDescription& command, Request& reque
     CLI::App& sub = *app.add_subcommand(std::string(command.name));
     Arguments& arguments = request.arguments;
     sub.add_option("FILE", request.words);
+    if (command.files == Files::Several) addFilesFrom(sub, arguments);
     if (command.saves == Saves::Edited) {
         sub.add_flag("--in-place", arguments.inPlace, "changes the file itself");
         sub.add_option("-o,--output", arguments.output, "changes a copy with this name")
@@ -407,7 +462,7 @@ void addCommand(CLI::App& app, const CommandDescription& command, Request& reque
     }
     if (command.saves != Saves::No || command.run == undo) addReport(sub, arguments);
     command.addOptions(sub, arguments);
-    addSharedOptions(sub, request);
+    addSharedOptions(sub, request, command.files);
     sub.callback([&request, &command] { request.command = &command; });
 }
 
@@ -426,6 +481,19 @@ void unmask(std::vector<std::string>& words) {
         if (word.starts_with(std::string{kMask, '['})) word.erase(0, 1);
 }
 
+/// What is wrong with the options that are for several files; empty for nothing.
+std::string mistakeInSeveral(const Arguments& arguments, const CommandDescription& command) {
+    if (command.run == set && !arguments.settings) {
+        if (arguments.filesFrom) return "--files-from goes with --from alone";
+        if (arguments.jobs > 1) return "--jobs goes with --from alone";
+    }
+    if (arguments.areNamesZeroEnded && !arguments.filesFrom)
+        return "--null goes with --files-from alone";
+    const bool isOne = arguments.files.size() == 1 && !arguments.filesFrom;
+    if (arguments.settings && arguments.output && !isOne) return "-o OUT goes with one FILE alone";
+    return {};
+}
+
 /// Tells files and operands apart, and says what is wrong with them; empty for nothing.
 std::string mistakeIn(Request& request) {
     Arguments& arguments = request.arguments;
@@ -433,15 +501,20 @@ std::string mistakeIn(Request& request) {
     std::vector<std::string>& words = request.words;
     unmask(words);
     unmask(arguments.absent);
-    if (words.empty()) return "FILE is missing";
-    const std::size_t files = command.files == Files::Several ? words.size() : 1;
+    const bool takesFiles = command.files != Files::None;
+    const bool takesSeveral = command.files == Files::Several || arguments.settings;
+    if (words.empty() && takesFiles && !arguments.filesFrom) return "FILE is missing";
+    const std::size_t most = takesSeveral ? words.size() : takesFiles ? 1 : 0;
+    const std::size_t files = std::min(most, words.size());
     const auto operands = words.begin() + static_cast<std::ptrdiff_t>(files);
     arguments.files.assign(words.begin(), operands);
     arguments.operands.assign(operands, words.end());
 
+    if (const std::string mistake = mistakeInSeveral(arguments, command); !mistake.empty())
+        return mistake;
     const std::string wanted = operandsUsage(command).erase(0, 1);
-    const bool isSetBare =
-        command.run == set && arguments.operands.empty() && arguments.absent.empty();
+    const bool isSetBare = command.run == set && arguments.operands.empty() &&
+                           arguments.absent.empty() && !arguments.settings;
     if (isSetBare || arguments.operands.size() < command.operands.least)
         return wanted + " is missing";
     if (arguments.operands.size() > command.operands.most)
@@ -453,8 +526,10 @@ std::string mistakeIn(Request& request) {
     if (command.saves == Saves::Edited && arguments.output == "-")
         return "a copy is a file, and not for standard output";
     const bool changesFile = arguments.inPlace || (needsFile(command) && command.run != check);
-    if (changesFile && arguments.file() == "-") return "standard input cannot be changed in place";
-    if (std::ranges::count(arguments.files, "-") > 1) return "standard input can be read only once";
+    const auto fromInput = std::ranges::count(arguments.files, "-");
+    if (changesFile && fromInput > 0) return "standard input cannot be changed in place";
+    if (fromInput + (arguments.settings == "-") + (arguments.filesFrom == "-") > 1)
+        return "standard input can be read only once";
     return {};
 }
 
@@ -477,15 +552,37 @@ ExitStatus wrongUsage(Console& console, const std::string& what,
     return ExitStatus::WrongUsage;
 }
 
+std::string nearCommand(const std::string& mistyped) {
+    std::vector<std::string> names;
+    for (const CommandDescription& each : kCommands) names.emplace_back(each.name);
+    return didYouMean(mistyped, names);
+}
+
+/// Of the first word that looks like an option and is none.
+std::string nearOption(const std::vector<std::string>& words, const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    for (const std::string& word : words) {
+        const std::string name = word.substr(0, word.find('='));
+        if (word == "--") break;
+        if (word.starts_with("--") && std::ranges::find(names, name) == names.end())
+            return didYouMean(name, names);
+    }
+    return {};
+}
+
 ExitStatus parseAndRun(const std::vector<std::string>& words, Console& console) {
     if (words.empty()) {
         console.err.write(overview());
         console.err.flush();
         return ExitStatus::WrongUsage;
     }
+    if (words.front() == kCompleteCommand) return complete(std::span(words).subspan(1), console);
     const CommandDescription* command = commandNamed(words.front());
     if (command == nullptr && !words.front().starts_with('-'))
-        return wrongUsage(console, "no command '" + words.front() + "'", nullptr);
+        return wrongUsage(
+            console, "no command '" + words.front() + "'" + nearCommand(words.front()), nullptr);
 
     Request request;
     CLI::App app;
@@ -505,6 +602,7 @@ ExitStatus parseAndRun(const std::vector<std::string>& words, Console& console) 
     } catch (const CLI::ParseError& error) {
         std::string what = error.what();
         std::ranges::replace(what, '\n', ' ');
+        if (command != nullptr) what += nearOption(words, *app.get_subcommand(words.front()));
         return wrongUsage(console, what, command);
     }
     const std::string mistake = mistakeIn(request);
@@ -514,6 +612,34 @@ ExitStatus parseAndRun(const std::vector<std::string>& words, Console& console) 
 }
 
 }  // namespace
+
+std::vector<CommandOutline> commandOutlines() {
+    Request request;
+    CLI::App app;
+    std::vector<CommandOutline> outlines;
+    for (const CommandDescription& each : kCommands) {
+        addCommand(app, each, request);
+        CommandOutline& outline = outlines.emplace_back();
+        outline.name = each.name;
+        outline.does = each.does;
+        outline.operands = each.operands.name;
+        outline.repeatsLastOperand = each.operands.most == kAny;
+        outline.takesFile = each.files != Files::None;
+        outline.takesSeveralFiles = each.files == Files::Several;
+        for (const CLI::Option* option :
+             app.get_subcommand(std::string(each.name))->get_options()) {
+            if (option->get_positional()) continue;
+            CommandOutline::Option& described = outline.options.emplace_back();
+            for (const std::string& name : option->get_snames())
+                described.names.push_back("-" + name);
+            for (const std::string& name : option->get_lnames())
+                described.names.push_back("--" + name);
+            if (option->get_expected_min() > 0) described.value = valueName(*option);
+            described.about = option->get_description();
+        }
+    }
+    return outlines;
+}
 
 int run(const std::vector<std::string>& arguments, Output& out, Output& err, int input) {
     Console console = {.out = out, .err = err, .input = input};

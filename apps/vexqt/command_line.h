@@ -12,4 +12,20 @@ namespace vexqt::cli {
 /// descriptor that "-" is read from.
 int run(const std::vector<std::string>& arguments, Output& out, Output& err, int input);
 
+/// What a command takes, for those who help people to write it.
+struct CommandOutline {
+    struct Option {
+        std::vector<std::string> names;  ///< "-o", "--output"
+        std::string value;               ///< "OUT"; empty for one that takes none.
+        std::string about;
+    };
+    std::string_view name, does;
+    std::string_view operands;  ///< What stands behind FILE: "PATH ATOMFILE".
+    bool repeatsLastOperand = false;
+    bool takesFile = false;
+    bool takesSeveralFiles = false;
+    std::vector<Option> options;
+};
+std::vector<CommandOutline> commandOutlines();
+
 }  // namespace vexqt::cli

@@ -18,12 +18,17 @@ enum class ExitStatus {
     Refused = 3  ///< A save would change or destroy what nobody asked it to.
 };
 
+/// Of several files the one that went worst decides.
+ExitStatus worse(ExitStatus a, ExitStatus b);
+
 /// Where a run reads and writes.
 struct Console {
     Output& out;
     Output& err;
     int input = 0;  ///< The descriptor of standard input.
     bool hasColors = false;
+    /// Where attempt() leaves what it failed with, in place of a line on standard error.
+    std::string* failure = nullptr;
 
     /// Writes "vexqt: what" on a line of standard error.
     void complain(std::string_view what);
@@ -62,6 +67,11 @@ struct Arguments {
     bool asJson = false;
     bool reports = false;
     bool digestsMedia = false;
+    std::optional<std::string> settings;   ///< A file of assignments.
+    std::optional<std::string> filesFrom;  ///< A list of files behind those of the command line.
+    bool areNamesZeroEnded = false;
+    std::size_t jobs = 1;
+    bool isInputTaken = false;  ///< Whether standard input is read by something else.
 
     const std::string& file() const { return files.front(); }
 };
@@ -72,5 +82,6 @@ Command outline, json, show, get;
 Command set, remove, insert, insertRows, removeRows, setKey, removeKey, save;
 Command data;
 Command check, undo, recover;
+Command properties;
 
 }  // namespace vexqt::cli

@@ -5,12 +5,15 @@
 #include <charconv>
 #include <map>
 
+#include "apps/vexqt/Assignment.h"
 #include "apps/vexqt/commands.h"
 #include "apps/vexqt/movies.h"
+#include "apps/vexqt/set_from.h"
 #include "apps/vexqt/value_text.h"
 #include "vexqt/asset/AtomPath.h"
 #include "vexqt/atoms/metadata/keyed_items.h"
 #include "vexqt/platform/Picture.h"
+#include "vexqt/platform/did_you_mean.h"
 
 namespace vexqt::cli {
 
@@ -30,30 +33,12 @@ void requireSaved(const Arguments& arguments, const VexQTAsset& asset, const Vex
 
 // MARK: Values
 
-/// "PATH.KEY=VALUE"; an equals sign in brackets belongs to the path.
-struct Assignment {
-    std::string key, value;
-
-    explicit Assignment(const std::string& text) {
-        int depth = 0;
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            if (text[i] == '[') ++depth;
-            if (text[i] == ']') --depth;
-            if (text[i] != '=' || depth > 0) continue;
-            key = text.substr(0, i);
-            value = text.substr(i + 1);
-            return;
-        }
-        throw Failure("'" + text + "' is no assignment: KEY=VALUE", ExitStatus::WrongUsage);
-    }
-};
-
 /// The files that a command takes values and atoms from. Each is read once, although a change may
 /// be made twice.
 class Inputs {
 public:
     Inputs(const Arguments& arguments, Console& console)
-        : isInputTaken_(arguments.file() == "-"), console_(console) {}
+        : isInputTaken_(arguments.file() == "-" || arguments.isInputTaken), console_(console) {}
 
     const Bytes& bytesOf(const std::string& file) {
         const auto known = read_.find(file);
@@ -146,6 +131,7 @@ std::string otherThanMeant(const Field& field, const Value& meant, const AtomPat
 }  // namespace
 
 ExitStatus set(const Arguments& arguments, Console& console) {
+    if (arguments.settings) return setFrom(arguments, console);
     Inputs inputs(arguments, console);
     struct Change {
         std::string key;
@@ -320,10 +306,13 @@ void fill(const PropertyPlace& place, std::size_t first, std::size_t count,
     for (const std::string& text : assignments) {
         const Assignment assignment(text);
         const auto column = std::ranges::find(columns, assignment.key, &Field::name);
-        if (column == columns.end())
-            throw Failure(
-                "'" + assignment.key + "' is no column of " + std::string(place.property->name),
-                ExitStatus::WrongUsage);
+        if (column == columns.end()) {
+            std::vector<std::string> names;
+            for (const Field& each : columns) names.emplace_back(each.name);
+            throw Failure("'" + assignment.key + "' is no column of " +
+                              std::string(place.property->name) + didYouMean(assignment.key, names),
+                          ExitStatus::WrongUsage);
+        }
         PropertyPlace cell = place;
         cell.column = static_cast<std::size_t>(column - columns.begin());
         assigning(assignment.key, [&] {
@@ -438,7 +427,12 @@ ExitStatus removeKey(const Arguments& arguments, Console& console) {
         if (keys == nullptr) throw Failure(path + ": the items here have no keys");
         for (const std::string& key : std::span(arguments.operands).subspan(1)) {
             const auto entry = std::ranges::find(keys->keys(), key, &VexQTKeyEntry::value);
-            if (entry == keys->keys().end()) throw Failure(path + ": no key '" + key + "'");
+            if (entry == keys->keys().end()) {
+                std::vector<std::string> names;
+                for (const VexQTKeyEntry& each : keys->keys())
+                    if (each.value()) names.push_back(*each.value());
+                throw Failure(path + ": no key '" + key + "'" + didYouMean(key, names));
+            }
             vexqt::removeKey(*keys, static_cast<std::size_t>(entry - keys->keys().begin()));
         }
     });

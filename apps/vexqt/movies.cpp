@@ -4,11 +4,13 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <mutex>
 #include <new>
 
 #include "apps/vexqt/Interruption.h"
 #include "apps/vexqt/MediaProof.h"
 #include "apps/vexqt/ProgressLine.h"
+#include "apps/vexqt/batch.h"
 #include "apps/vexqt/printable.h"
 #include "apps/vexqt/save_report.h"
 #include "vexqt/asset/AtomPath.h"
@@ -41,48 +43,70 @@ void Console::complain(std::string_view file, std::string_view what) {
 }
 
 ExitStatus attempt(const std::string& file, Console& console, const std::function<void()>& work) {
+    const auto failed = [&](const std::string& what, ExitStatus status = ExitStatus::Failed) {
+        if (console.failure != nullptr) {
+            *console.failure = what;
+        } else {
+            console.complain(file, what);
+        }
+        return status;
+    };
     try {
         work();
         return ExitStatus::Done;
     } catch (const Failure& failure) {
-        console.complain(file, failure.what());
-        return failure.status();
+        return failed(failure.what(), failure.status());
     } catch (const PathError& error) {
-        console.complain(file, error.what());
-        return error.reason() == PathError::Reason::Malformed ? ExitStatus::WrongUsage
-                                                              : ExitStatus::Failed;
+        return failed(error.what(), error.reason() == PathError::Reason::Malformed
+                                        ? ExitStatus::WrongUsage
+                                        : ExitStatus::Failed);
     } catch (const Error& error) {
-        console.complain(file, error.what());
+        return failed(error.what());
     } catch (const std::bad_alloc&) {
-        console.complain(file, "there is not enough memory");
+        return failed("there is not enough memory");
     }
-    return ExitStatus::Failed;
 }
 
 ExitStatus attemptEach(const Arguments& arguments, Console& console,
-                       const std::function<void(const std::string& file)>& work) {
-    ExitStatus status = ExitStatus::Done;
-    for (const std::string& file : arguments.files) {
-        const ExitStatus one = attempt(file, console, [&] { work(file); });
-        if (one != ExitStatus::Done) status = one;
-        if (one != ExitStatus::Done && arguments.strict) break;
-    }
-    return status;
+                       const std::function<void(const std::string& file, Console& console)>& work) {
+    return forEachFile(arguments, console,
+                       arguments.strict ? AfterFailure::End : AfterFailure::GoOn,
+                       [&](const std::string& file, Console& own) {
+                           return attempt(file, own, [&] { work(file, own); });
+                       });
 }
 
 namespace {
 
-/// Copies what the library logs to standard error, as long as it lives.
+/// Copies what the library logs on this thread to standard error, as long as it lives.
 class LogOnConsole {
 public:
     LogOnConsole(const std::string& file, Console& console)
-        : before_(setLogSink([&](std::string_view line) { console.complain(file, line); })) {}
-    ~LogOnConsole() { setLogSink(std::move(before_)); }
+        : file_(file), console_(console), before_(std::exchange(hearing_, this)) {
+        const std::lock_guard lock(mutex_);
+        if (count_++ > 0) return;
+        replaced_ = setLogSink([](std::string_view line) {
+            if (hearing_ != nullptr) hearing_->console_.complain(hearing_->file_, line);
+        });
+    }
+    ~LogOnConsole() {
+        hearing_ = before_;
+        const std::lock_guard lock(mutex_);
+        if (--count_ == 0) setLogSink(std::move(replaced_));
+    }
     LogOnConsole(const LogOnConsole&) = delete;
     LogOnConsole& operator=(const LogOnConsole&) = delete;
 
 private:
-    LogSink before_;
+    // Several movies may be worked on at a time, each by a thread, and there is one sink for all.
+    static inline std::mutex mutex_;
+    static inline std::size_t count_ = 0;
+    static inline LogSink replaced_;
+    static inline thread_local LogOnConsole* hearing_ = nullptr;
+
+    const std::string& file_;
+    Console& console_;
+    LogOnConsole* before_;
 };
 
 void check(const std::error_code& error) {

@@ -21,9 +21,10 @@ Bytes readAll(const std::string& file, Console& console);
 /// status. The output's own errors pass.
 ExitStatus attempt(const std::string& file, Console& console, const std::function<void()>& work);
 
-/// Runs it on every file, also behind one that failed, unless the reading is strict.
+/// Runs it on every file, also behind one that failed, unless the reading is strict. What is said
+/// of a file goes to the console that the work is given.
 ExitStatus attemptEach(const Arguments& arguments, Console& console,
-                       const std::function<void(const std::string& file)>& work);
+                       const std::function<void(const std::string& file, Console& console)>& work);
 
 /// Changes a movie and saves it: in place, or in a copy that takes its name only when it is whole.
 /// What was saved is read again and looked at, where there is something to look for.

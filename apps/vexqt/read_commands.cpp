@@ -25,23 +25,23 @@ void printLines(Output& out, std::string_view outline) {
 }  // namespace
 
 ExitStatus outline(const Arguments& arguments, Console& console) {
-    return attemptEach(arguments, console, [&](const std::string& file) {
-        const auto asset = readMovie(file, arguments, console);
+    return attemptEach(arguments, console, [&](const std::string& file, Console& own) {
+        const auto asset = readMovie(file, arguments, own);
         // Programs get nothing but atoms; people see which file they are of.
-        if (arguments.files.size() > 1 && console.out.isTerminal())
-            console.out.write(printable(file) + ":\n");
-        for (const auto& root : asset->rootAtoms()) printLines(console.out, root->description());
+        if ((arguments.files.size() > 1 || arguments.filesFrom) && own.out.isTerminal())
+            own.out.write(printable(file) + ":\n");
+        for (const auto& root : asset->rootAtoms()) printLines(own.out, root->description());
     });
 }
 
 ExitStatus json(const Arguments& arguments, Console& console) {
     const auto layout =
         arguments.onLines ? JsonWriter::Layout::OneLine : JsonWriter::Layout::Indented;
-    return attemptEach(arguments, console, [&](const std::string& file) {
-        const auto asset = readMovie(file, arguments, console);
-        JsonWriter writer(console.out, layout);
+    return attemptEach(arguments, console, [&](const std::string& file, Console& own) {
+        const auto asset = readMovie(file, arguments, own);
+        JsonWriter writer(own.out, layout);
         writeDocument(writer, file, *asset);
-        console.out.write("\n");
+        own.out.write("\n");
     });
 }
 

@@ -45,35 +45,38 @@ bool isHarmless(const SavePlan& plan) {
 
 ExitStatus check(const Arguments& arguments, Console& console) {
     bool isAllHarmless = true;
-    const ExitStatus status = attemptEach(arguments, console, [&](const std::string& file) {
-        if (file == "-" || arguments.inMemory)
-            throw Failure("only what lies in a file can be saved", ExitStatus::WrongUsage);
-        requireFile(file);
-        const auto asset = readMovie(file, arguments, console);
-        const SavePlan surgical = planFor(*asset, file, SaveForm::Surgical);
-        const SavePlan exact = planFor(*asset, file, SaveForm::Exact);
-        isAllHarmless = isAllHarmless && isHarmless(surgical) && isHarmless(exact);
-        if (arguments.asJson) {
-            JsonWriter json(console.out, JsonWriter::Layout::OneLine);
-            json.beginObject();
-            json.key("file");
-            json.text(file);
-            writeJson(json, "surgical", surgical);
-            writeJson(json, "exact", exact);
-            json.endObject();
-            console.out.write("\n");
-            return;
-        }
-        console.out.write(file + "\n");
-        console.out.write(isHarmless(surgical)
-                              ? "  a save writes the bytes of what was edited and nothing else\n"
-                              : "  a save of this file:\n");
-        print(console.out, surgical);
-        console.out.write(exact.findings().empty()
-                              ? "  with --exact too, all that is not edited comes back as it is\n"
-                              : "  with --exact:\n");
-        print(console.out, exact);
-    });
+    const ExitStatus status =
+        attemptEach(arguments, console, [&](const std::string& file, Console&) {
+            if (file == "-" || arguments.inMemory)
+                throw Failure("only what lies in a file can be saved", ExitStatus::WrongUsage);
+            requireFile(file);
+            const auto asset = readMovie(file, arguments, console);
+            const SavePlan surgical = planFor(*asset, file, SaveForm::Surgical);
+            const SavePlan exact = planFor(*asset, file, SaveForm::Exact);
+            isAllHarmless = isAllHarmless && isHarmless(surgical) && isHarmless(exact);
+            if (arguments.asJson) {
+                JsonWriter json(console.out, JsonWriter::Layout::OneLine);
+                json.beginObject();
+                json.key("file");
+                json.text(file);
+                writeJson(json, "surgical", surgical);
+                writeJson(json, "exact", exact);
+                json.endObject();
+                console.out.write("\n");
+                return;
+            }
+            console.out.write(file + "\n");
+            console.out.write(
+                isHarmless(surgical)
+                    ? "  a save writes the bytes of what was edited and nothing else\n"
+                    : "  a save of this file:\n");
+            print(console.out, surgical);
+            console.out.write(
+                exact.findings().empty()
+                    ? "  with --exact too, all that is not edited comes back as it is\n"
+                    : "  with --exact:\n");
+            print(console.out, exact);
+        });
     if (status != ExitStatus::Done) return status;
     return isAllHarmless ? ExitStatus::Done : ExitStatus::Refused;
 }

@@ -44,14 +44,16 @@ TEST(CommandLine, MistakesAreOneLineAndStatusTwo) {
         std::vector<std::string> arguments;
         std::string_view message;
     } cases[] = {
-        {{"outlin", "a.mov"}, "no command 'outlin' (vexqt --help tells more)"},
+        {{"outlin", "a.mov"},
+         "no command 'outlin'; did you mean outline? (vexqt --help tells more)"},
         {{"--lines"}, "A subcommand is required (vexqt --help tells more)"},
         {{"outline"}, "outline: FILE is missing (vexqt outline --help tells more)"},
         {{"get", "a.mov"}, "get: PATH.KEY is missing (vexqt get --help tells more)"},
         {{"show", "a.mov", "moov", "mvhd"},
          "show: 'mvhd' is one argument too many (vexqt show --help tells more)"},
         {{"json", "a.mov", "--line"},
-         "json: The following argument was not expected: --line (vexqt json --help tells more)"},
+         "json: The following argument was not expected: --line; did you mean --lines? (vexqt json "
+         "--help tells more)"},
         {{"set", "a.mov", "--in-place"},
          "set: PATH.KEY=VALUE… is missing (vexqt set --help tells more)"},
         {{"set", "a.mov", "moov.mvhd.timeScale=1"},
@@ -431,6 +433,31 @@ TEST_F(Commands, DataIsNotWrittenToATerminalUnasked) {
     EXPECT_EQ(run({"data", movie_}, out, errors, -1), 2);
     EXPECT_EQ(out.text, "");
     EXPECT_NE(onTerminal({"data", movie_, "-o", "-"}), "");
+}
+
+// MARK: Mistyped names
+
+TEST(MistypedNames, AreTold) {
+    const struct {
+        std::vector<std::string> words;
+        std::string errors;
+    } kCases[] = {
+        {{"shwo", "clip.mov"},
+         "vexqt: no command 'shwo'; did you mean show? (vexqt --help tells more)\n"},
+        {{"transcode"}, "vexqt: no command 'transcode' (vexqt --help tells more)\n"},
+        {{"set", "clip.mov", "a=1", "--inplace"},
+         "vexqt: set: The following argument was not expected: --inplace; did you mean --in-place? "
+         "(vexqt set --help tells more)\n"},
+        {{"json", "clip.mov", "--frobnicate"},
+         "vexqt: json: The following argument was not expected: --frobnicate (vexqt json --help "
+         "tells more)\n"},
+    };
+    for (const auto& [words, errors] : kCases) {
+        const Called called = call(words);
+        EXPECT_EQ(called.status, 2);
+        EXPECT_EQ(called.errors, errors);
+        EXPECT_EQ(called.output, "");
+    }
 }
 
 }  // namespace
