@@ -79,6 +79,9 @@ file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_L
 if(TARGET vexqt_command)
   set_target_properties(vexqt_command PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS vexqt_command COMPONENT command)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/apps/vexqt/schema
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/vexqt
+    COMPONENT command)
   # Each shell looks for a name of its own.
   set(completions ${PROJECT_SOURCE_DIR}/apps/vexqt/completions)
   install(FILES ${completions}/vexqt.bash RENAME vexqt

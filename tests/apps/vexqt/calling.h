@@ -5,6 +5,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <fstream>
+
 #include "apps/vexqt/command_line.h"
 #include "testing/files.h"
 #include "testing/small_movie.h"
@@ -16,6 +19,29 @@ struct Called {
     std::string output, errors;
 };
 
+/// The schema that a document has which such a call prints; empty for a call that prints none.
+inline std::string schemaOf(const std::vector<std::string>& arguments) {
+    const auto has = [&](std::string_view word) {
+        return std::ranges::find(arguments, word) != arguments.end();
+    };
+    if (arguments.empty()) return "";
+    if (arguments[0] == "json") return "json";
+    if (has("--report")) return "report";
+    return has("--json") && (arguments[0] == "check" || arguments[0] == "properties") ? arguments[0]
+                                                                                      : "";
+}
+
+/// Keeps what a call printed in the file that the environment names, for whoever wants to compare
+/// all documents with their schemas at once.
+inline void keepDocuments(const std::vector<std::string>& arguments, const std::string& output) {
+    const char* file = std::getenv("VEXQT_KEPT_DOCUMENTS");
+    const std::string schema = schemaOf(arguments);
+    const bool isHelp = output.empty() || output[0] != '{';
+    if (file == nullptr || schema.empty() || isHelp) return;
+    std::ofstream(file, std::ios::app | std::ios::binary) << schema << ' ' << output.size() << '\n'
+                                                          << output;
+}
+
 /// With standard input at its end.
 inline Called call(const std::vector<std::string>& arguments) {
     TextOutput out, errors;
@@ -25,6 +51,7 @@ inline Called call(const std::vector<std::string>& arguments) {
     ::close(input);
     called.output = out.text();
     called.errors = errors.text();
+    keepDocuments(arguments, called.output);
     return called;
 }
 
