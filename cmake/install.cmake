@@ -98,3 +98,17 @@ if(TARGET vexqt_inspector_app)
   set_target_properties(vexqt_inspector_app PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS vexqt_inspector_app COMPONENT inspector)
 endif()
+
+if(TARGET vexqt_inspector_app)
+  file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(vexqt_inspector_app PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
+  install(TARGETS vexqt_inspector_app)
+  # What desktops need to know of it, laid out as it is installed.
+  install(DIRECTORY
+    ${PROJECT_SOURCE_DIR}/share/applications
+    ${PROJECT_SOURCE_DIR}/share/icons
+    ${PROJECT_SOURCE_DIR}/share/metainfo
+    ${PROJECT_SOURCE_DIR}/share/mime
+    DESTINATION ${CMAKE_INSTALL_DATADIR})
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/share/man/ DESTINATION ${CMAKE_INSTALL_MANDIR})
+endif()
