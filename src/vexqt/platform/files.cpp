@@ -1,5 +1,6 @@
 #include "vexqt/platform/files.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -44,7 +45,10 @@ class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
     Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
-    Descriptor& operator=(Descriptor&&) = delete;
+    Descriptor& operator=(Descriptor&& other) noexcept {
+        std::swap(number_, other.number_);
+        return *this;
+    }
     ~Descriptor() {
         if (number_ >= 0) ::close(number_);
     }
@@ -55,9 +59,9 @@ private:
     int number_;
 };
 
-Descriptor open(const fs::path& path, int flags, std::error_code& error, mode_t mode = 0) {
-    return Descriptor(uninterrupted(
-        error, [&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NOCTTY, mode); }));
+Descriptor open(const char* path, int flags, std::error_code& error, mode_t mode = 0) {
+    return Descriptor(
+        uninterrupted(error, [&] { return ::open(path, flags | O_CLOEXEC | O_NOCTTY, mode); }));
 }
 
 FileIdentity identityFrom(const struct stat& status) {
@@ -73,7 +77,9 @@ FileIdentity identityFrom(const struct stat& status) {
 
 class SystemFile final : public File {
 public:
-    explicit SystemFile(Descriptor descriptor) : descriptor_(std::move(descriptor)) {}
+    /// Of no file yet.
+    SystemFile() : descriptor_(-1) {}
+    void adopt(Descriptor descriptor) { descriptor_ = std::move(descriptor); }
 
     std::size_t readAt(std::uint64_t offset, std::span<std::uint8_t> into,
                        std::error_code& error) override {
@@ -147,8 +153,10 @@ private:
 
 std::unique_ptr<SystemFile> openRegular(const fs::path& path, int flags, std::error_code& error,
                                         mode_t mode = 0666) {
+    // Made first, so that no new file is left behind for want of memory.
+    auto file = std::make_unique<SystemFile>();
     // Without O_NONBLOCK, opening a pipe would wait for somebody at its other end.
-    Descriptor descriptor = open(path, flags | O_NONBLOCK, error, mode);
+    Descriptor descriptor = open(path.c_str(), flags | O_NONBLOCK, error, mode);
     if (error) return nullptr;
     struct stat status = {};
     uninterrupted(error, [&] { return ::fstat(descriptor, &status); });
@@ -158,7 +166,8 @@ std::unique_ptr<SystemFile> openRegular(const fs::path& path, int flags, std::er
                                                              : std::errc::not_supported);
         return nullptr;
     }
-    return std::make_unique<SystemFile>(std::move(descriptor));
+    file->adopt(std::move(descriptor));
+    return file;
 }
 
 /// Makes the new file share the old one's blocks, on file systems that can.
@@ -341,16 +350,25 @@ public:
     }
 
     std::vector<fs::path> list(const fs::path& folder, std::error_code& error) override {
+        // The standard library's iterator ends the program where there is no memory for it.
         std::vector<fs::path> names;
-        for (fs::directory_iterator entry(folder, error), end; !error && entry != end;
-             entry.increment(error)) {
-            names.push_back(entry->path().filename());
+        const std::unique_ptr<DIR, int (*)(DIR*)> entries(::opendir(folder.c_str()), ::closedir);
+        if (!entries) {
+            error = lastError();
+            return names;
         }
-        return names;
+        while (true) {
+            errno = 0;
+            const dirent* const entry = ::readdir(entries.get());
+            error = lastError();
+            if (entry == nullptr) return names;
+            const std::string_view name = entry->d_name;
+            if (name != "." && name != "..") names.emplace_back(name);
+        }
     }
 
     void flushDirectory(const fs::path& directory, std::error_code& error) override {
-        const fs::path named = directory.empty() ? "." : directory;
+        const char* const named = directory.empty() ? "." : directory.c_str();
         const Descriptor descriptor = open(named, O_RDONLY | O_DIRECTORY, error);
         if (error) return;
         uninterrupted(error, [&] { return ::fsync(descriptor); });
