@@ -117,7 +117,9 @@ fs::path keyOf(const fs::path& path) { return ("/" / path).lexically_normal(); }
 }  // namespace
 
 void MemoryFileSystem::put(const fs::path& path, Bytes bytes) {
-    make(path)->bytes = std::move(bytes);
+    std::shared_ptr<Node> node = newNode();
+    node->bytes = std::move(bytes);
+    nodes_[keyOf(path)] = std::move(node);
 }
 
 const Bytes& MemoryFileSystem::bytes(const fs::path& path) const {
@@ -148,7 +150,12 @@ std::unique_ptr<File> MemoryFileSystem::create(const fs::path& path, IfExists if
         return nullptr;
     }
     error.clear();
-    if (!node) return openNode(make(path), Access::ReadAndWrite);
+    if (!node) {
+        node = newNode();
+        auto file = openNode(node, Access::ReadAndWrite);
+        nodes_[keyOf(path)] = std::move(node);
+        return file;
+    }
     node->bytes.clear();
     node->change();
     return openNode(std::move(node), Access::ReadAndWrite);
@@ -167,9 +174,12 @@ std::unique_ptr<File> MemoryFileSystem::copy(const fs::path& from, const fs::pat
         error = std::make_error_code(std::errc::file_exists);
         return nullptr;
     }
-    put(to, source->bytes);
+    std::shared_ptr<Node> node = newNode();
+    node->bytes = source->bytes;
+    auto file = openNode(node, Access::ReadAndWrite);
     if (progress) progress(source->bytes.size(), source->bytes.size());
-    return openForWriting(to, error);
+    nodes_[keyOf(to)] = std::move(node);
+    return file;
 }
 
 std::optional<FileIdentity> MemoryFileSystem::identityOf(const fs::path& path,
@@ -187,8 +197,9 @@ fs::path MemoryFileSystem::resolve(const fs::path& path, std::error_code& error)
 void MemoryFileSystem::rename(const fs::path& from, const fs::path& to, std::error_code& error) {
     std::shared_ptr<Node> node = find(from, error);
     if (!node || keyOf(from) == keyOf(to)) return;
-    nodes_.erase(keyOf(from));
+    const fs::path fromKey = keyOf(from);
     nodes_[keyOf(to)] = std::move(node);
+    nodes_.erase(fromKey);
 }
 
 void MemoryFileSystem::remove(const fs::path& path, std::error_code& error) {
@@ -220,9 +231,8 @@ std::shared_ptr<Node> MemoryFileSystem::find(const fs::path& path, std::error_co
     return nullptr;
 }
 
-std::shared_ptr<Node>& MemoryFileSystem::make(const fs::path& path) {
-    std::shared_ptr<Node>& node = nodes_[keyOf(path)];
-    node = std::make_shared<Node>();
+std::shared_ptr<Node> MemoryFileSystem::newNode() {
+    auto node = std::make_shared<Node>();
     node->inode = ++inodes_;
     return node;
 }

@@ -49,7 +49,8 @@ public:
 private:
     /// Null, with an error, if there is no such file.
     std::shared_ptr<Node> find(const std::filesystem::path& path, std::error_code& error) const;
-    std::shared_ptr<Node>& make(const std::filesystem::path& path);
+    /// A file that has no name yet. Names are given last: what fails before leaves no file.
+    std::shared_ptr<Node> newNode();
 
     std::map<std::filesystem::path, std::shared_ptr<Node>> nodes_;
     std::uint64_t inodes_ = 0;
