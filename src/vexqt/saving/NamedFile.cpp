@@ -21,7 +21,7 @@ void NamedFile::read(std::uint64_t offset, std::span<std::uint8_t> into) {
     std::error_code error;
     const FileRange range = {offset, into.size()};
     const std::size_t count = file_.readAt(offset, into, error);
-    check(error, "reading " + textOf(range) + of_, range);
+    if (error) check(error, "reading " + textOf(range) + of_, range);
     if (count == into.size()) return;
     throw SaveFailure{
         .code = std::make_error_code(std::errc::io_error),
@@ -34,25 +34,25 @@ void NamedFile::write(std::uint64_t offset, ByteView bytes) {
     std::error_code error;
     const FileRange range = {offset, bytes.size()};
     file_.writeAt(offset, bytes, error);
-    check(error, "writing " + textOf(range) + of_, range);
+    if (error) check(error, "writing " + textOf(range) + of_, range);
 }
 
 void NamedFile::truncate(std::uint64_t size) {
     std::error_code error;
     file_.truncate(size, error);
-    check(error, "setting the length" + of_ + " to " + std::to_string(size) + " bytes");
+    if (error) check(error, "setting the length" + of_ + " to " + std::to_string(size) + " bytes");
 }
 
 void NamedFile::flush() {
     std::error_code error;
     file_.flush(error);
-    check(error, "flushing " + subject());
+    if (error) check(error, "flushing " + subject());
 }
 
 FileIdentity NamedFile::identity() {
     std::error_code error;
     const FileIdentity identity = file_.identity(error);
-    check(error, "asking for the length" + of_);
+    if (error) check(error, "asking for the length" + of_);
     return identity;
 }
 

@@ -12,7 +12,8 @@ namespace vexqt {
 /// Throws a SaveFailure that says what was being done, if that failed.
 void check(const std::error_code& error, const std::string& doing, FileRange range = {});
 
-/// A file whose operations throw a SaveFailure: "writing 512 bytes at 1032 of NAME: …".
+/// A file whose operations throw a SaveFailure: "writing 512 bytes at 1032 of NAME: …". They take
+/// memory only for that: a movie is taken back where there is none left.
 class NamedFile {
 public:
     /// An empty name for the movie, which needs none.
