@@ -199,8 +199,8 @@ private:
         movie_.flush();
         std::error_code error;
         std::unique_ptr<File> file = files_.createPrivate(journalPath_, error);
+        journalIsThere_ = file != nullptr;
         check(error, "making the journal " + journalPath_.string());
-        journalIsThere_ = true;
         BlockReader old(movie_);
         const auto oldBytes = [&](std::uint64_t offset, std::size_t count) {
             progress.add(count);
@@ -221,14 +221,19 @@ private:
 
     void commit() {
         std::error_code error;
+        const std::string removing = "removing the journal " + journalPath_.string();
         files_.remove(journalPath_, error);
-        check(error, "removing the journal " + journalPath_.string());
+        check(error, removing);
         journalIsThere_ = false;
         // The new movie is whole and on the disk. To take it back now, without a journal that
-        // could be relied on, would be the greater danger.
-        if (const auto failure = attempt([&] { flushFolder(); }))
-            notes_.push_back(failure->what +
-                             "; if the power fails now, the old movie may come back");
+        // could be relied on, would be the greater danger: nothing is thrown any more.
+        try {
+            if (const auto failure = attempt([&] { flushFolder(); }))
+                notes_.push_back(failure->what +
+                                 "; if the power fails now, the old movie may come back");
+        } catch (const std::bad_alloc&) {
+            // Then there is no memory for a note either.
+        }
     }
 
     fs::path journalPath_;
