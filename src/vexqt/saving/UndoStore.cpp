@@ -93,6 +93,11 @@ std::optional<std::string> UndoStore::keep(FileTransaction& transaction) {
 
     Record record;
     fs::path part;
+    bool isPartOurs = false;
+    const auto removePart = [&] {
+        std::error_code ignored;
+        if (isPartOurs) files_.remove(part, ignored);
+    };
     try {
         std::error_code error;
         files_.makePrivateFolder(*folder_, error);
@@ -107,19 +112,21 @@ std::optional<std::string> UndoStore::keep(FileTransaction& transaction) {
                 record.sequence = std::max(record.sequence, other.sequence + 1);
 
         const fs::path path = *folder_ / record.name();
-        const fs::path partPath = path.string() + std::string(kPartEnding);
-        std::unique_ptr<File> file = files_.createPrivate(partPath, error);
-        check(error, "making " + partPath.string());
-        part = partPath;
+        part = path.string() + std::string(kPartEnding);
+        std::unique_ptr<File> file = files_.createPrivate(part, error);
+        isPartOurs = file != nullptr;
+        check(error, "making " + part.string());
         if (const auto failure = transaction.writeUndoRecord(std::move(file), part)) throw *failure;
         files_.rename(part, path, error);
         check(error, "renaming " + part.string());
         letGo(std::move(records), record);
         return std::nullopt;
     } catch (const SaveFailure& failure) {
-        std::error_code ignored;
-        if (!part.empty()) files_.remove(part, ignored);
+        removePart();
         return why + failure.what;
+    } catch (...) {  // For want of memory.
+        removePart();
+        throw;
     }
 }
 
@@ -224,11 +231,17 @@ public:
             return true;
         };
         FileChange change = record.backwards();
+        UndoResult undone = {UndoResult::Outcome::Undone, "the last save was undone", {}, {}};
         if (const auto failure = transaction.apply(change, {.progress = {}, .verify = verify}))
             throw *failure;
-        restackOn(header.before, transaction.identityAfter());
-        letGo();
-        return {UndoResult::Outcome::Undone, "the last save was undone", {}, std::move(change)};
+        undone.change = std::move(change);
+        try {
+            restackOn(header.before, transaction.identityAfter());
+            letGo();
+        } catch (const std::bad_alloc&) {
+            // What stays of the records is seen to be undone already.
+        }
+        return undone;
     }
 
 private:
