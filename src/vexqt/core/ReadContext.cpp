@@ -14,6 +14,7 @@ void ReadContext::addProblem(std::uint64_t offsetInFile, std::string message, bo
         if (!path.empty()) path += '.';
         path += step->segment();
     }
+    path.shrink_to_fit();  // It may be long, and there may be a thousand.
     problems_->push_back({std::move(path), offsetInFile, std::move(message), isStructural});
 }
 

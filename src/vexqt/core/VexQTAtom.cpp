@@ -82,11 +82,6 @@ constinit const AtomClass VexQTAtom::kClass = {
 
 // MARK: Construction
 
-VexQTAtom::Extras& VexQTAtom::extras() {
-    if (!extras_) extras_ = std::make_unique<Extras>();
-    return *extras_;
-}
-
 VexQTAtom::VexQTAtom(OSType type, std::uint32_t size, VexQTAtom* parent, std::uint64_t offsetInFile)
     : VexQTAtom(kClass) {
     type_ = type;
@@ -104,7 +99,7 @@ VexQTAtom::VexQTAtom(const VexQTAtom& other)
       offsetInFile_(other.offsetInFile_),
       origin_(other.origin_),
       unknownFrom_(other.unknownFrom_),
-      extras_(other.extras_ ? std::make_unique<Extras>(*other.extras_) : nullptr),
+      extras_(other.extras_),
       type_(other.type_),
       version_(other.version_),
       flags_(other.flags_) {}
@@ -116,7 +111,7 @@ VexQTAtom& VexQTAtom::operator=(const VexQTAtom& other) {
     offsetInFile_ = other.offsetInFile_;
     origin_ = other.origin_;
     unknownFrom_ = other.unknownFrom_;
-    extras_ = other.extras_ ? std::make_unique<Extras>(*other.extras_) : nullptr;
+    extras_ = other.extras_;
     type_ = other.type_;
     version_ = other.version_;
     flags_ = other.flags_;
@@ -171,9 +166,10 @@ std::unique_ptr<VexQTAtom> VexQTAtom::makeDeclined(const AtomClass& declinedBy, 
     atom->offsetInFile_ = offsetInFile;
     atom->origin_ = bytes;
     atom->unknownFrom_ = std::min<std::size_t>(8, bytes.size());
-    atom->extras().declinedBy = &declinedBy;
-    atom->extras().declinedType = type;
-    atom->extras().declinedReason = std::move(reason);
+    Extras& extras = atom->extras_.made();
+    extras.declinedBy = &declinedBy;
+    extras.declinedType = type;
+    extras.declinedReason = std::move(reason);
     return atom;
 }
 
@@ -316,13 +312,11 @@ void VexQTAtom::appendWithHeaderAsHeld(ByteWriter& out) {
     }
     if (class_.sizeRule == SizeRule::Recomputed) size_ = declaredSize(byteCount);
 
-    const OSType heldType = type_;
-    if (class_.typeRule == TypeRule::OfClass) type_ = class_.type;
     const Bytes header = headerData();
-    type_ = heldType;
     ByteReader in(header);
     out.patchU32(start, in.u32());
-    out.patchU32(start + 4, in.u32());
+    const OSType heldType = in.u32();
+    out.patchU32(start + 4, class_.typeRule == TypeRule::OfClass ? class_.type : heldType);
     out.insert(start + 8, in.rest());
 }
 
@@ -439,7 +433,7 @@ std::uint8_t VexQTAtom::flagAtIndex(std::int32_t index) const {
 
 const Matrix& VexQTAtom::matrix() const {
     static constexpr Matrix kZero{};
-    return extras_ ? extras_->matrix : kZero;
+    return extras_ && extras_->matrix ? *extras_->matrix : kZero;
 }
 
 std::optional<std::string> VexQTAtom::declinedClass() const {

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "vexqt/core/AtomClass.h"
+#include "vexqt/core/Rare.h"
 #include "vexqt/core/ReadContext.h"
 #include "vexqt/core/ValueCodecs.h"
 #include "vexqt/core/hex.h"
@@ -117,7 +118,7 @@ public:
     std::uint64_t offsetInFile() const { return offsetInFile_; }
     /// Where the atom's bytes truly lie in the file; all zero for one made in memory.
     Extent extent() const;
-    void setExtent(const Extent& extent) { extras().extent = extent; }
+    void setExtent(const Extent& extent) { extras_.made().extent.made() = extent; }
 
     /// The first byte behind the header of a full atom, which others have not; 1 for one made in
     /// memory.
@@ -137,7 +138,7 @@ public:
 
     /// The transformation of a movie, a track or a text medium; zeros for what has none.
     const Matrix& matrix() const;
-    void setMatrix(const Matrix& matrix) { extras().matrix = matrix; }
+    void setMatrix(const Matrix& matrix) { ownMatrix() = matrix; }
     /// Row 1, column 1 of the matrix: the horizontal scale.
     double matrixAValue() const { return matrix()[0]; }
     /// Row 1, column 2: the vertical shear.
@@ -156,15 +157,15 @@ public:
     double matrixYValue() const { return matrix()[7]; }
     /// Row 3, column 3: 1 by rights.
     double matrixWValue() const { return matrix()[8]; }
-    void setMatrixAValue(double value) { extras().matrix[0] = value; }
-    void setMatrixBValue(double value) { extras().matrix[1] = value; }
-    void setMatrixUValue(double value) { extras().matrix[2] = value; }
-    void setMatrixCValue(double value) { extras().matrix[3] = value; }
-    void setMatrixDValue(double value) { extras().matrix[4] = value; }
-    void setMatrixVValue(double value) { extras().matrix[5] = value; }
-    void setMatrixXValue(double value) { extras().matrix[6] = value; }
-    void setMatrixYValue(double value) { extras().matrix[7] = value; }
-    void setMatrixWValue(double value) { extras().matrix[8] = value; }
+    void setMatrixAValue(double value) { ownMatrix()[0] = value; }
+    void setMatrixBValue(double value) { ownMatrix()[1] = value; }
+    void setMatrixUValue(double value) { ownMatrix()[2] = value; }
+    void setMatrixCValue(double value) { ownMatrix()[3] = value; }
+    void setMatrixDValue(double value) { ownMatrix()[4] = value; }
+    void setMatrixVValue(double value) { ownMatrix()[5] = value; }
+    void setMatrixXValue(double value) { ownMatrix()[6] = value; }
+    void setMatrixYValue(double value) { ownMatrix()[7] = value; }
+    void setMatrixWValue(double value) { ownMatrix()[8] = value; }
 
     // Access by name.
 
@@ -230,8 +231,8 @@ private:
     friend class ChildMaker;
     struct Layout;
     struct Extras {
-        Matrix matrix{};
-        std::optional<Extent> extent;
+        Rare<Matrix> matrix;
+        Rare<Extent> extent;
         const AtomClass* declinedBy = nullptr;
         OSType declinedType = 0;  ///< The type that the atom was read with.
         std::string declinedReason;
@@ -239,7 +240,7 @@ private:
 
     static constexpr std::size_t kAbsent = std::numeric_limits<std::size_t>::max();
 
-    Extras& extras();
+    Matrix& ownMatrix() { return extras_.made().matrix.made(); }
     void decode(const SharedBytes& bytes, ReadContext& context);
     void appendRows(ByteWriter& out);
     /// How many children of its parent lie before this one and have its type; 0 where it is none.
@@ -253,7 +254,7 @@ private:
     std::uint64_t offsetInFile_ = 0;
     SharedBytes origin_;
     std::size_t unknownFrom_ = kAbsent;  ///< Where the raw remainder begins in the origin.
-    std::unique_ptr<Extras> extras_;     ///< What few atoms have.
+    Rare<Extras> extras_;
     OSType type_;
     std::uint8_t version_ = 1;
     std::array<std::uint8_t, 3> flags_{};

@@ -12,7 +12,7 @@ struct VexQTKeyEntry::Layout {
     static constexpr Field columns[] = {
         property<&Entry::index_>("index"),
         property<&Entry::nameSpace_>("nameSpace").as(Display::Code),
-        property<&Entry::value_>("value"),
+        accessors<&Entry::value, &Entry::setValue>("value"),
     };
 };
 
@@ -20,7 +20,7 @@ struct VexQTKeyEntry::Layout {
 static constexpr std::uint32_t kEntryHeader = 8;
 
 Bytes VexQTKeyEntry::atomData() const {
-    const Bytes text = asciiFromText(value_.value_or("")).value_or(Bytes());
+    const Bytes text = asciiFromText(value().value_or("")).value_or(Bytes());
     ByteWriter out;
     out.u32(static_cast<std::uint32_t>(text.size() + kEntryHeader));
     out.u32(nameSpace_);
@@ -46,8 +46,21 @@ struct VexQTkeysAtom::Layout {
     };
 };
 
+/// How many of the keys that should be there begin in the bytes.
+static std::size_t keysThere(ByteReader in, std::uint32_t count) {
+    std::size_t there = 0;
+    while (there < count && in.remaining() >= kEntryHeader) {
+        ++there;
+        const std::uint32_t size = in.u32();
+        if (size < kEntryHeader || size - sizeof(size) > in.remaining()) break;
+        in.skip(size - sizeof(size));
+    }
+    return there;
+}
+
 void VexQTkeysAtom::decodeKeys(AtomReader& in) {
     const std::uint32_t count = in.u32();
+    keys_.reserve(keysThere(in, count));
     for (std::int64_t index = 1; index <= count; ++index) {
         const std::size_t start = in.position();
         const std::uint32_t size = in.u32();

@@ -10,7 +10,9 @@ public:
     VexQTKeyEntry() = default;
     /// An entry with these properties.
     VexQTKeyEntry(std::int64_t keyIndex, OSType nameSpace, std::optional<std::string> value)
-        : index_(keyIndex), nameSpace_(nameSpace), value_(std::move(value)) {}
+        : index_(keyIndex), nameSpace_(nameSpace) {
+        setValue(std::move(value));
+    }
 
     /// The place that the key was read from, counted from 1. Never written: the place in the list
     /// is what counts.
@@ -23,8 +25,11 @@ public:
     std::string nameSpaceString() const { return textFromCode(nameSpace_); }
     void setNameSpaceString(std::string_view text) { nameSpace_ = codeFromText(text); }
     /// ASCII; absent when there is none or it does not decode.
-    const std::optional<std::string>& value() const { return value_; }
-    void setValue(std::optional<std::string> value) { value_ = std::move(value); }
+    const std::optional<std::string>& value() const {
+        static constinit const std::optional<std::string> kNone;
+        return value_ ? *value_ : kNone;
+    }
+    void setValue(std::optional<std::string> value) { value_.made() = std::move(value); }
 
     /// The entry as it lies in the file, without a text where the text is not ASCII.
     Bytes atomData() const;
@@ -34,7 +39,8 @@ public:
 private:
     std::int64_t index_ = 0;
     OSType nameSpace_ = kAnyType;
-    std::optional<std::string> value_;
+    // An entry of 8 bytes may have no text at all, and there may be millions.
+    Rare<std::optional<std::string>> value_;
 };
 
 /// The keys that the items of keyed metadata are numbered by: an item's type is its key's place in
