@@ -27,7 +27,8 @@ bool ChildMaker::hasHeader(const AtomClass* cls, std::uint64_t size) const {
     return size >= (isExtended ? 2 * kHeaderLength : kHeaderLength);
 }
 
-SharedBytes ChildMaker::take(std::uint64_t size, bool isLongEnough, std::uint64_t offsetInFile) {
+[[gnu::noinline]] SharedBytes ChildMaker::take(std::uint64_t size, bool isLongEnough,
+                                               std::uint64_t offsetInFile) {
     ReadContext& context = in_.context();
     if (!context.isTolerant()) {
         if (size == 0) throw RangeError("a size of 0 does not move forward", in_.position());
@@ -72,6 +73,10 @@ SharedBytes ChildMaker::take(std::uint64_t size, bool isLongEnough, std::uint64_
                                    offsetInFile);
 }
 
+[[gnu::noinline]] static void note(Survey& survey, std::size_t start, std::size_t end) {
+    survey.children.push_back({.start = start, .end = end});
+}
+
 std::unique_ptr<VexQTAtom> ChildMaker::made(const AtomClass& cls, OSType type,
                                             const SharedBytes& bytes, std::uint64_t offsetInFile,
                                             const Particulars& particulars, ReadContext& context) {
@@ -112,7 +117,7 @@ VexQTAtom* ChildMaker::add(const AtomClass* cls, OSType type, std::uint64_t size
             cls = &VexQTAtom::kClass;  // What else it swallowed is not dropped with it.
         }
         if (Survey* survey = in_.context().survey()) {
-            survey->children.push_back({.start = start, .end = in_.position()});
+            note(*survey, start, in_.position());
             holder_.addChild(std::make_unique<VexQTAtom>());  // Stands in for it in counts.
             return nullptr;
         }

@@ -143,12 +143,16 @@ std::unique_ptr<VexQTAtom> VexQTAtom::make(const AtomClass& cls, ByteView data, 
     }
 }
 
+// Out of the way of the descent, which takes its stack at every level.
+[[noreturn, gnu::noinline]] static void raiseNestedTooDeep() {
+    throw NestingError("nested deeper than " + std::to_string(kDeepestNesting) + " atoms");
+}
+
 std::unique_ptr<VexQTAtom> VexQTAtom::make(const AtomClass& cls, const SharedBytes& bytes,
                                            VexQTAtom* parent, std::uint64_t offsetInFile,
                                            ReadContext& context) {
     if (!cls.accepts.accepts(bytes.size())) return nullptr;
-    if (context.depth() > kDeepestNesting)
-        throw NestingError("nested deeper than " + std::to_string(kDeepestNesting) + " atoms");
+    if (context.depth() > kDeepestNesting) raiseNestedTooDeep();
     std::unique_ptr<VexQTAtom> atom = cls.create();
     atom->parent_ = parent;
     atom->offsetInFile_ = offsetInFile;
@@ -184,7 +188,7 @@ struct Header {
 };
 
 /// What a class takes from the first bytes that it is given. Sizes wrap where the rules subtract.
-Header readHeader(ByteView bytes, HeaderRule rule) {
+[[gnu::noinline]] Header readHeader(ByteView bytes, HeaderRule rule) {
     const bool isGeneric = rule == HeaderRule::Generic || rule == HeaderRule::GenericFieldsAtEight;
     ByteReader in(bytes);
     Header header;
@@ -210,6 +214,10 @@ Header readHeader(ByteView bytes, HeaderRule rule) {
     return header;
 }
 
+[[gnu::noinline]] void note(Survey& survey, const Field& row, std::size_t start, std::size_t end) {
+    survey.rows.push_back({&row, start, end});
+}
+
 }  // namespace
 
 void VexQTAtom::decode(const SharedBytes& bytes, ReadContext& context) {
@@ -230,8 +238,7 @@ void VexQTAtom::decode(const SharedBytes& bytes, ReadContext& context) {
         if (field.decode == nullptr || !isPresent(field, *this)) continue;
         const std::size_t rowStart = in.position();
         field.decode(*this, in);
-        if (Survey* survey = context.survey())
-            survey->rows.push_back({&field, rowStart, in.position()});
+        if (Survey* survey = context.survey()) note(*survey, field, rowStart, in.position());
     }
     verifyCalculatedDataWithOriginalData(bytes.view());
 }
