@@ -372,11 +372,23 @@ void VexQTAtom::increaseSizeBy(std::int64_t amount) {
 
 std::string VexQTAtom::description() const {
     std::string outline;
-    for (const VexQTAtom* above = parent_; above; above = above->parent_) outline += "  ";
-    outline += " '" + stringWithOSType(type_) + "' (" +
-               std::to_string(static_cast<std::int64_t>(size_)) + ")";
-    for (const auto& child : children_) outline += "\r\n" + child->description();
+    appendDescriptionTo(outline);
     return outline;
+}
+
+// Texts are put together out of the way of the descent, which takes its stack at every level.
+[[gnu::noinline]] static void appendLine(std::string& outline, const std::string& type,
+                                         std::uint64_t size) {
+    outline += " '" + type + "' (" + std::to_string(static_cast<std::int64_t>(size)) + ")";
+}
+
+void VexQTAtom::appendDescriptionTo(std::string& outline) const {
+    for (const VexQTAtom* above = parent_; above; above = above->parent_) outline += "  ";
+    appendLine(outline, stringWithOSType(type_), size_);
+    for (const auto& child : children_) {
+        outline += "\r\n";
+        child->appendDescriptionTo(outline);
+    }
 }
 
 std::string VexQTAtom::atomDescription() const {

@@ -89,7 +89,9 @@ public:
     // What people are shown.
 
     /// The outline of the subtree, two spaces an ancestor, lines parted by "\r\n".
-    virtual std::string description() const;
+    std::string description() const;
+    /// Appends that. An outline is put together once, not once for every level.
+    virtual void appendDescriptionTo(std::string& outline) const;
     /// "Movie Header ('mvhd')".
     virtual std::string atomDescription() const;
     /// The type as four characters.
