@@ -21,8 +21,7 @@ namespace vexqt {
 
 /// The same bytes as a number of this machine; its own inverse.
 template <std::integral T>
-constexpr T fromBigEndian(T value) {
-    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1) return value;
+constexpr T withBytesReversed(T value) {
     using Unsigned = std::make_unsigned_t<T>;
     auto bits = static_cast<Unsigned>(value);
     Unsigned swapped = 0;
@@ -31,6 +30,12 @@ constexpr T fromBigEndian(T value) {
         bits = static_cast<Unsigned>(bits >> 8);
     }
     return static_cast<T>(swapped);
+}
+
+template <std::integral T>
+constexpr T fromBigEndian(T value) {
+    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1) return value;
+    return withBytesReversed(value);
 }
 
 /// The number in the first bytes from an address on. The caller has checked that they are there.
@@ -166,6 +171,62 @@ private:
     ByteView bytes_;
     std::size_t position_;
 };
+
+// MARK: Many numbers at once
+//
+// The loops that decode and encode tables check a whole run of bytes before they begin, and then go
+// through it number by number without a check.
+
+/// A place in a run of bytes.
+class BytePlace {
+public:
+    /// The first of them.
+    explicit BytePlace(ByteView run) : at_(run.data()) {}
+
+    /// The big-endian number that begins there.
+    template <std::integral T>
+    T load() const {
+        return loadBigEndian<T>(at_);
+    }
+    /// Reads the next bytes and no others.
+    ByteReader reader(std::size_t count) const { return ByteReader(ByteView(at_, count)); }
+
+    /// So many bytes further on.
+    BytePlace& operator+=(std::size_t count) {
+        at_ += count;
+        return *this;
+    }
+    /// How many bytes lie between two places in one run.
+    std::ptrdiff_t operator-(const BytePlace& other) const { return at_ - other.at_; }
+    /// Whether it is the same byte.
+    bool operator==(const BytePlace&) const = default;
+
+private:
+    const std::uint8_t* at_;
+};
+
+/// A place in a run of bytes that are there to be overwritten.
+class WritablePlace {
+public:
+    /// The first of them.
+    explicit WritablePlace(std::span<std::uint8_t> run) : at_(run.data()) {}
+
+    /// Puts a number there, big-endian.
+    template <std::integral T>
+    void store(T value) const {
+        storeBigEndian(at_, value);
+    }
+    /// So many bytes further on.
+    WritablePlace& operator+=(std::size_t count) {
+        at_ += count;
+        return *this;
+    }
+
+private:
+    std::uint8_t* at_;
+};
+
+// MARK: Writing
 
 /// Puts a run of bytes together, the first one first.
 class ByteWriter {

@@ -31,11 +31,11 @@ concept VerbatimCodec = decltype(keepsEveryBit(std::declval<const Codec*>()))::v
 
 /// The value at an address. The caller has checked that its bytes are there.
 template <class Codec>
-auto decodeAt(const std::uint8_t* at) {
+auto decodeAt(BytePlace at) {
     if constexpr (VerbatimCodec<Codec>) {
-        return loadBigEndian<decltype(Codec::read(std::declval<ByteReader&>()))>(at);
+        return at.load<decltype(Codec::read(std::declval<ByteReader&>()))>();
     } else {
-        ByteReader in(ByteView(at, Codec::width));
+        ByteReader in = at.reader(Codec::width);
         return Codec::read(in);
     }
 }
@@ -49,9 +49,7 @@ struct Column {
     Field field;
 
     static auto get(const Entry& entry) { return entry.*Member; }
-    static void decode(Entry& entry, const std::uint8_t* at) {
-        entry.*Member = decodeAt<Codec>(at);
-    }
+    static void decode(Entry& entry, BytePlace at) { entry.*Member = decodeAt<Codec>(at); }
     constexpr Column in(std::string_view unit) const { return {field.in(unit)}; }
 };
 
@@ -70,7 +68,7 @@ struct NumberColumn {
     Field field;
 
     static Entry get(Entry number) { return number; }
-    static void decode(Entry& number, const std::uint8_t* at) { number = decodeAt<Codec>(at); }
+    static void decode(Entry& number, BytePlace at) { number = decodeAt<Codec>(at); }
 };
 
 /// What the entries of a table consist of, in file order.
@@ -83,14 +81,14 @@ struct TableColumns {
     static constexpr std::size_t width = (Columns::Codec::width + ...);
     static constexpr bool areVerbatim = (VerbatimCodec<typename Columns::Codec> && ...);
 
-    static Entry decode(const std::uint8_t* at) {
+    static Entry decode(BytePlace at) {
         Entry entry{};
         ((Columns::decode(entry, at), at += Columns::Codec::width), ...);
         return entry;
     }
     /// For columns that are all verbatim.
-    static void encode(const Entry& entry, std::uint8_t* at) {
-        ((storeBigEndian(at, Columns::get(entry)), at += Columns::Codec::width), ...);
+    static void encode(const Entry& entry, WritablePlace at) {
+        ((at.store(Columns::get(entry)), at += Columns::Codec::width), ...);
     }
     static void encode(const Entry& entry, ByteWriter& out) {
         (Columns::Codec::write(out, Columns::get(entry)), ...);
@@ -198,7 +196,7 @@ public:
     using pointer = void;
     using reference = value_type;
 
-    explicit EntryIterator(const std::uint8_t* at) : at_(at) {}
+    explicit EntryIterator(BytePlace at) : at_(at) {}
 
     value_type operator*() const { return Columns::decode(at_); }
     EntryIterator& operator++() {
@@ -211,7 +209,7 @@ public:
     bool operator==(const EntryIterator&) const = default;
 
 private:
-    const std::uint8_t* at_;
+    BytePlace at_;
 };
 
 // MARK: Rows of a layout
@@ -238,7 +236,10 @@ struct TableMember {
 
     static Rows rowsFrom(ByteView bytes) {
         using Iterator = EntryIterator<Its>;
-        return Rows(Iterator(bytes.data()), Iterator(bytes.data() + bytes.size()));
+        const BytePlace first(bytes);
+        BytePlace end = first;
+        end += bytes.size();
+        return Rows(Iterator(first), Iterator(end));
     }
     static constexpr typename Table<Entry>::Form form = {.width = Its::width, .decode = rowsFrom};
 
@@ -271,7 +272,7 @@ struct TableMember {
         constexpr std::size_t kBlockLength = 16384 / Its::width;
         while (!rows.empty()) {
             const auto block = rows.first(std::min(kBlockLength, rows.size()));
-            std::uint8_t* to = out.grow(block.size() * Its::width).data();
+            WritablePlace to(out.grow(block.size() * Its::width));
             for (const Entry& entry : block) {
                 Its::encode(entry, to);
                 to += Its::width;
@@ -287,8 +288,8 @@ struct TableMember {
     static std::size_t size(const Record& owner) { return table(owner).size(); }
 
     static Value cell(const Record& owner, std::size_t row, std::size_t column) {
-        const Entry entry = table(owner).isDecoded() ? table(owner).rows()[row]
-                                                     : Its::decode(addressOf(owner, row));
+        const Entry entry =
+            table(owner).isDecoded() ? table(owner).rows()[row] : Its::decode(placeOf(owner, row));
         if constexpr (std::is_integral_v<Entry>) {
             return Value(entry);
         } else {
@@ -323,7 +324,8 @@ struct TableMember {
                         });
                     return;
                 }
-                const std::uint8_t* at = addressOf(owner, firstRow) + offset;
+                BytePlace at = placeOf(owner, firstRow);
+                at += offset;
                 for (std::uint64_t& number : into) {
                     number = static_cast<std::uint64_t>(decodeAt<typename Column::Codec>(at));
                     at += Its::width;
@@ -333,8 +335,8 @@ struct TableMember {
             }
         });
     }
-    static const std::uint8_t* addressOf(const Record& owner, std::size_t row) {
-        return table(owner).bytes().subspan(row * Its::width).data();
+    static BytePlace placeOf(const Record& owner, std::size_t row) {
+        return BytePlace(table(owner).bytes().subspan(row * Its::width));
     }
 
     static constexpr ListAccess access = {.columns = Columns.fields,

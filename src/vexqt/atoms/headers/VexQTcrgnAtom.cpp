@@ -9,13 +9,7 @@ namespace {
 /// An integer that is read from its last byte to its first and written from its first to its last.
 template <std::unsigned_integral T>
 struct ReadReversed : Unsigned<T> {
-    static T read(ByteReader& in) {
-        T value = 0;
-        const ByteView bytes = in.take(sizeof(T));
-        for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte)
-            value = static_cast<T>(value << 8 | *byte);
-        return value;
-    }
+    static T read(ByteReader& in) { return withBytesReversed(Unsigned<T>::read(in)); }
 };
 using U16ReadReversed = ReadReversed<std::uint16_t>;
 using U64ReadReversed = ReadReversed<std::uint64_t>;

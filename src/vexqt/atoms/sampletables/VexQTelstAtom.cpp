@@ -14,7 +14,7 @@ struct VexQTEditListEntry::Layout {
 
 std::unique_ptr<VexQTEditListEntry> VexQTEditListEntry::initWithData(ByteView data) {
     if (data.size() != Layout::columns.width) return nullptr;
-    return std::make_unique<VexQTEditListEntry>(Layout::columns.decode(data.data()));
+    return std::make_unique<VexQTEditListEntry>(Layout::columns.decode(BytePlace(data)));
 }
 
 Bytes VexQTEditListEntry::atomData() const {
