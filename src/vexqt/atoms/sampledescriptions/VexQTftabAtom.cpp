@@ -1,7 +1,6 @@
 #include "vexqt/atoms/sampledescriptions/VexQTftabAtom.h"
 
 #include "vexqt/core/codecs.h"
-#include "vexqt/core/list.h"
 #include "vexqt/platform/text.h"
 
 namespace vexqt {
@@ -58,14 +57,54 @@ std::unique_ptr<VexQTFontTableEntry> VexQTFontTableEntry::initWithData(ByteView 
 
 // MARK: The table
 
+/// The list for those who know it by its name. Looking at it makes no entry that stays.
+struct VexQTftabAtom::Fonts {
+    using Atom = VexQTftabAtom;
+    static constexpr std::span<const Field> columns = VexQTFontTableEntry::Layout::columns;
+
+    static auto& made(Record& owner) { return static_cast<Atom&>(owner).fontTableEntries(); }
+    static std::size_t size(const Record& owner) {
+        return static_cast<const Atom&>(owner).entryCount();
+    }
+    static Value cell(const Record& owner, std::size_t row, std::size_t column) {
+        const auto& atom = static_cast<const Atom&>(owner);
+        if (atom.isMade()) return columns[column].get(atom.fontTableEntries_[row]);
+        return columns[column].get(*atom.entryInRow(row));
+    }
+    static void setCell(Record& owner, std::size_t row, std::size_t column, const Value& value) {
+        columns[column].set(made(owner)[row], value);
+    }
+    static void insertRows(Record& owner, std::size_t row, std::size_t count) {
+        auto& entries = made(owner);
+        entries.insert(entries.begin() + static_cast<std::ptrdiff_t>(row), count,
+                       VexQTFontTableEntry());
+    }
+    static void removeRows(Record& owner, std::size_t row, std::size_t count) {
+        auto& entries = made(owner);
+        const auto first = entries.begin() + static_cast<std::ptrdiff_t>(row);
+        entries.erase(first, first + static_cast<std::ptrdiff_t>(count));
+    }
+    static Bytes entryBytes(const Record& owner, std::size_t row) {
+        const auto& atom = static_cast<const Atom&>(owner);
+        if (!atom.isMade()) return atom.entryInRow(row)->atomData();
+        VexQTFontTableEntry entry = atom.fontTableEntries_[row];
+        return entry.atomData();
+    }
+    static constexpr ListAccess access = {.columns = columns,
+                                          .size = size,
+                                          .cell = cell,
+                                          .setCell = setCell,
+                                          .insertRows = insertRows,
+                                          .removeRows = removeRows,
+                                          .entryBytes = entryBytes};
+};
+
 struct VexQTftabAtom::Layout {
     using Atom = VexQTftabAtom;
-    static Bytes entryBytes(VexQTFontTableEntry entry) { return entry.atomData(); }
     static constexpr Field fields[] = {
         irregular<&Atom::decodeCount, &Atom::encodeCount>(),
         irregular<&Atom::decodeEntries, &Atom::encodeEntries>(),
-        entryList<&Atom::fontTableEntries_, VexQTFontTableEntry::Layout::columns, entryBytes>(
-            "fontTableEntries"),
+        {.name = "fontTableEntries", .kind = ValueKind::List, .list = &Fonts::access},
     };
 };
 
@@ -73,7 +112,7 @@ struct VexQTftabAtom::Layout {
 void VexQTftabAtom::decodeCount(AtomReader& in) { hasEntriesToRead_ = in.u16() != 0; }
 
 void VexQTftabAtom::encodeCount(ByteWriter& out) const {
-    out.u16(static_cast<std::uint16_t>(fontTableEntries_.size()));
+    out.u16(static_cast<std::uint16_t>(entryCount()));
 }
 
 /// What the length byte of the entry at the reader's position says.
@@ -85,21 +124,65 @@ static std::size_t nameLengthAhead(ByteReader in) {
 /// An entry whose name runs past the end is left out and ends the table.
 void VexQTftabAtom::decodeEntries(AtomReader& in) {
     if (!hasEntriesToRead_ || in.remaining() < 2) return;
-    ReadContext ofEntries;
+    AtomReader entries = in;
+    unmade_.start = in.position();
     while (in.remaining() != 0) {
         const std::size_t start = in.position();
-        const std::uint64_t offsetOfEntry = offsetInFile() + start;
         const std::size_t length = kBeforeName + nameLengthAhead(in);
-        if (length > in.remaining()) return;
-        const auto entry = make(VexQTFontTableEntry::kClass, in.takeShared(length), nullptr,
-                                offsetOfEntry, ofEntries);
-        fontTableEntries_.push_back(static_cast<const VexQTFontTableEntry&>(*entry));
+        if (length > in.remaining()) break;
+        in.skip(length);
         in.noteEntryFrom(start);
+        ++unmade_.count;
     }
+    unmade_.bytes = entries.takeShared(in.position() - unmade_.start);
+}
+
+/// The entry at an offset in the bytes of all entries.
+std::unique_ptr<VexQTFontTableEntry> VexQTftabAtom::madeEntry(std::size_t offset) const {
+    const ByteReader in(unmade_.bytes.view(), offset);
+    ReadContext context;
+    auto entry = make(VexQTFontTableEntry::kClass,
+                      unmade_.bytes.part(offset, kBeforeName + nameLengthAhead(in)), nullptr,
+                      offsetInFile() + unmade_.start + offset, context);
+    return std::unique_ptr<VexQTFontTableEntry>(static_cast<VexQTFontTableEntry*>(entry.release()));
+}
+
+/// People look at rows from the first to the last, so the way to the next one is short.
+std::unique_ptr<VexQTFontTableEntry> VexQTftabAtom::entryInRow(std::size_t row) const {
+    if (row < unmade_.row) unmade_.row = unmade_.offset = 0;
+    for (; unmade_.row < row; ++unmade_.row)
+        unmade_.offset +=
+            kBeforeName + nameLengthAhead(ByteReader(unmade_.bytes.view(), unmade_.offset));
+    return madeEntry(unmade_.offset);
+}
+
+std::vector<VexQTFontTableEntry>& VexQTftabAtom::madeEntries() const {
+    if (isMade()) return fontTableEntries_;
+    std::vector<VexQTFontTableEntry> entries;
+    entries.reserve(unmade_.count);
+    ByteWriter ignored;
+    for (std::size_t offset = 0; entries.size() < unmade_.count;) {
+        const auto entry = madeEntry(offset);
+        offset += entry->origin().size();
+        if (unmade_.wereWritten) entry->appendTo(ignored);
+        entries.push_back(*entry);
+    }
+    fontTableEntries_ = std::move(entries);
+    unmade_ = {};
+    return fontTableEntries_;
 }
 
 void VexQTftabAtom::encodeEntries(ByteWriter& out) const {
-    for (VexQTFontTableEntry& entry : fontTableEntries_) entry.appendTo(out);
+    if (isMade()) {
+        for (VexQTFontTableEntry& entry : fontTableEntries_) entry.appendTo(out);
+        return;
+    }
+    for (std::size_t offset = 0; offset < unmade_.bytes.size();) {
+        const auto entry = madeEntry(offset);
+        entry->appendTo(out);
+        offset += entry->origin().size();
+    }
+    unmade_.wereWritten = true;
 }
 
 constinit const AtomClass VexQTftabAtom::kClass = {

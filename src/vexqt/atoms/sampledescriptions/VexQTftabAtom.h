@@ -37,25 +37,46 @@ private:
 /// The font table.
 ///
 /// Its size is written as it is held: whoever makes a name longer adds to it with increaseSizeBy.
+///
+/// An entry of three bytes is an atom of a hundred and more, so the entries are made when somebody
+/// first asks for the list. Until then they are read one at a time where they lie.
 class VEXQT_EXPORT VexQTftabAtom final : public AtomOf<VexQTftabAtom> {
 public:
     static const AtomClass kClass;
 
     /// In file order.
-    const std::vector<VexQTFontTableEntry>& fontTableEntries() const { return fontTableEntries_; }
-    std::vector<VexQTFontTableEntry>& fontTableEntries() { return fontTableEntries_; }
+    const std::vector<VexQTFontTableEntry>& fontTableEntries() const { return madeEntries(); }
+    std::vector<VexQTFontTableEntry>& fontTableEntries() { return madeEntries(); }
     void setFontTableEntries(std::vector<VexQTFontTableEntry> entries) {
+        unmade_ = {};
         fontTableEntries_ = std::move(entries);
     }
 
 private:
+    struct Fonts;
     struct Layout;
     void decodeCount(AtomReader& in);
     void encodeCount(ByteWriter& out) const;
     void decodeEntries(AtomReader& in);
     void encodeEntries(ByteWriter& out) const;
 
+    /// The entries as they were read.
+    struct Unmade {
+        SharedBytes bytes;
+        std::size_t start = 0;  ///< Where they begin in the atom.
+        std::size_t count = 0;
+        bool wereWritten = false;
+        /// Where the last one lies that was looked at.
+        mutable std::size_t row = 0, offset = 0;
+    };
+    std::vector<VexQTFontTableEntry>& madeEntries() const;
+    std::unique_ptr<VexQTFontTableEntry> madeEntry(std::size_t offset) const;
+    std::unique_ptr<VexQTFontTableEntry> entryInRow(std::size_t row) const;
+    std::size_t entryCount() const { return isMade() ? fontTableEntries_.size() : unmade_.count; }
+    bool isMade() const { return unmade_.count == 0; }
+
     bool hasEntriesToRead_ = false;
+    mutable Unmade unmade_;
     mutable std::vector<VexQTFontTableEntry> fontTableEntries_;  ///< Writing one stores its size.
 };
 
