@@ -16,7 +16,7 @@ struct VexQTmebxkeyEntry::Layout {
         property<&Entry::nameSpace_>("nameSpace").as(Display::Code),
         property<&Entry::value_>("value"),
         property<&Entry::dataType_>("dataType").as(Display::Hexadecimal),
-        property<&Entry::key_>("key"),
+        accessors<&Entry::key, &Entry::setKey>("key"),
     };
 };
 
@@ -68,8 +68,22 @@ static std::optional<VexQTmebxkeyEntry> keyFrom(std::uint32_t index, ByteReader 
     return key;
 }
 
+/// How many records are long enough to name a key. An upper bound of the keys that they make.
+static std::size_t keysAtMost(ByteReader in) {
+    constexpr std::size_t kLeast = kHeaderLength + kHeaderLength + sizeof(OSType);
+    std::size_t count = 0;
+    while (in.remaining() >= kHeaderLength) {
+        const std::uint32_t size = ByteReader(in).u32();
+        if (size < kHeaderLength) break;
+        if (size >= kLeast) ++count;
+        in.skip(std::min<std::size_t>(size, in.remaining()));
+    }
+    return count;
+}
+
 /// A record that is shorter than its header ends the table, one that runs past the end is cut.
 void VexQTmebxkeysAtom::decodeKeys(AtomReader& in) {
+    keys_.reserve(keysAtMost(in));
     while (in.remaining() >= kHeaderLength) {
         const std::size_t start = in.position();
         ByteReader ahead = in;

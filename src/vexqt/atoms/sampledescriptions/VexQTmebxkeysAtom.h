@@ -33,8 +33,11 @@ public:
     std::uint64_t dataType() const { return dataType_; }
     void setDataType(std::uint64_t type) { dataType_ = type; }
     /// Neither read nor written.
-    const std::optional<std::string>& key() const { return key_; }
-    void setKey(std::optional<std::string> key) { key_ = std::move(key); }
+    const std::optional<std::string>& key() const {
+        static constinit const std::optional<std::string> kNone;
+        return key_ ? *key_ : kNone;
+    }
+    void setKey(std::optional<std::string> key) { key_.made() = std::move(key); }
 
     /// The key's record as it lies in the table.
     Bytes keyData() const;
@@ -47,7 +50,7 @@ private:
     OSType nameSpace_ = kAnyType;
     std::optional<std::string> value_;
     std::uint64_t dataType_ = 0;
-    std::optional<std::string> key_;
+    Rare<std::optional<std::string>> key_;
 };
 
 /// The key table. It is written in the natural order of the keys' names, whatever order it holds.
