@@ -1,5 +1,9 @@
 #include "vexqt/saving/SavePlan.h"
 
+#include <map>
+#include <set>
+#include <unordered_map>
+
 #include "vexqt/asset/AtomPath.h"
 #include "vexqt/saving/ExactWriting.h"
 #include "vexqt/saving/NamedFile.h"
@@ -46,6 +50,23 @@ std::string quoted(OSType type) { return "'" + textFromCode(type) + "'"; }
 
 std::string bytesAt(const FileRange& range) {
     return std::to_string(range.length) + " bytes at " + std::to_string(range.offset);
+}
+
+/// The paths of some atoms, found in one walk; empty for those that are not there.
+using Paths = std::unordered_map<const VexQTAtom*, std::string>;
+
+void findPaths(const std::vector<std::unique_ptr<VexQTAtom>>& atoms, std::string& path,
+               Paths& found) {
+    std::unordered_map<OSType, std::size_t> ordinals;
+    const std::size_t length = path.size();
+    for (const auto& atom : atoms) {
+        if (!path.empty()) path += '.';
+        path += pathSegment(atom->atomType(), ordinals[atom->atomType()]++);
+        if (const auto wanted = found.find(atom.get()); wanted != found.end())
+            wanted->second = path;
+        findPaths(atom->children(), path, found);
+        path.resize(length);
+    }
 }
 
 /// The bytes that a root atom is decoded from: they begin 8 before the end of its header.
@@ -143,33 +164,26 @@ void SavePlan::checkSource(const VexQTAsset& asset, File& file) {
 
 /// Puts the writes into the order of the file. Where two overlap the later one counts.
 void SavePlan::finishChange() {
-    std::vector<FileWrite> disjoint;
+    std::map<std::uint64_t, FileWrite> taken;  // By offset; none reaches into the next.
     for (auto later = change_.writes.rbegin(); later != change_.writes.rend(); ++later) {
-        std::vector<FileWrite> pieces = {*later};
-        for (const FileWrite& taken : disjoint) {
-            std::vector<FileWrite> left;
-            const FileRange over = {taken.offset, taken.bytes.size()};
-            for (const FileWrite& piece : pieces) {
-                const FileRange range = {piece.offset, piece.bytes.size()};
-                if (!range.overlaps(over)) {
-                    left.push_back(piece);
-                    continue;
-                }
-                if (range.offset < over.offset)
-                    left.push_back({range.offset, piece.bytes.first(static_cast<std::size_t>(
-                                                      over.offset - range.offset))});
-                if (over.end() < range.end()) {
-                    const auto skipped = static_cast<std::size_t>(over.end() - range.offset);
-                    left.push_back(
-                        {over.end(), piece.bytes.part(skipped, piece.bytes.size() - skipped)});
-                }
-            }
-            pieces = std::move(left);
+        FileWrite left = *later;
+        while (left.bytes.size() > 0) {
+            auto over = taken.upper_bound(left.offset);
+            if (over != taken.begin() && std::prev(over)->second.range().end() > left.offset)
+                --over;
+            const bool isTaken = over != taken.end() && over->first <= left.offset;
+            const std::uint64_t end = over == taken.end() ? left.range().end()
+                                      : isTaken           ? over->second.range().end()
+                                                          : over->first;
+            const auto count = static_cast<std::size_t>(
+                std::min<std::uint64_t>(left.bytes.size(), end - left.offset));
+            if (!isTaken)
+                taken.emplace(left.offset, FileWrite{left.offset, left.bytes.first(count)});
+            left = {left.offset + count, left.bytes.part(count, left.bytes.size() - count)};
         }
-        disjoint.insert(disjoint.end(), pieces.begin(), pieces.end());
     }
-    std::ranges::sort(disjoint, {}, &FileWrite::offset);
-    change_.writes = std::move(disjoint);
+    change_.writes.clear();
+    for (const auto& [offset, write] : taken) change_.writes.push_back(write);
 }
 
 // MARK: Surgical saving
@@ -182,7 +196,7 @@ public:
     void make() {
         plan_.change_.newLength = future_.fileLength;
         for (const auto& root : asset_.rootAtoms()) addRoot(*root);
-        for (const Extent& extent : asset_.extentsAsRead()) addIfRemoved(extent);
+        addRemoved();
         for (const Problem& problem : asset_.problems()) {
             if (!problem.isStructural) continue;
             plan_.add("damaged", Severity::Note, {}, problem.message, problem.path);
@@ -201,7 +215,7 @@ public:
 
 private:
     void addRoot(VexQTAtom& root);
-    void addIfRemoved(const Extent& extent);
+    void addRemoved();
     void addEdits(const Surgery& surgery);
     void checkMovies();
     void patch(std::uint64_t offset, const SharedBytes& was, const ByteRope& now);
@@ -226,6 +240,12 @@ private:
 };
 
 void SavePlan::Surgical::addEdits(const Surgery& surgery) {
+    Paths paths;
+    for (const Edit& edit : surgery.edits()) paths[edit.atom];
+    for (const VexQTAtom* atom : surgery.disagreeingSizes()) paths[atom];
+    if (paths.empty()) return;
+    std::string path;
+    findPaths(asset_.rootAtoms(), path, paths);
     for (const Edit& edit : surgery.edits()) {
         std::string what = edit.property.empty()
                                ? "children were added, removed or moved"
@@ -236,14 +256,14 @@ void SavePlan::Surgical::addEdits(const Surgery& surgery) {
                 "its class writes";
         const Extent extent = edit.atom->extent();
         plan_.add("atom-changes", edit.changesMore ? Severity::Changes : Severity::Note,
-                  FileRange{extent.start, extent.length}, std::move(what), pathOf(*edit.atom));
+                  FileRange{extent.start, extent.length}, std::move(what), paths[edit.atom]);
     }
     for (const VexQTAtom* atom : surgery.disagreeingSizes()) {
         const Extent extent = atom->extent();
         plan_.add("size-disagrees", Severity::Note, FileRange{extent.start, extent.length},
                   "its size field does not tell its " + std::to_string(extent.length) +
                       " bytes; it grows or shrinks by as much as they do",
-                  pathOf(*atom));
+                  paths[atom]);
     }
 }
 
@@ -327,13 +347,17 @@ SharedBytes SavePlan::Surgical::wholeAtom(OSType type, const VexQTAtom& root, co
     return SharedBytes::copyOf(whole.view());
 }
 
-void SavePlan::Surgical::addIfRemoved(const Extent& extent) {
+void SavePlan::Surgical::addRemoved() {
+    std::set<std::pair<std::uint64_t, std::uint64_t>> kept;
     for (const auto& root : asset_.rootAtoms())
-        if (root->extent().start == extent.start && root->extent().length == extent.length) return;
-    plan_.write(extent.start + 4, SharedBytes::copyOf(codeBytes("free"_os)));
-    plan_.add("atom-changes", Severity::Note, FileRange{extent.start, extent.length},
-              "was removed and becomes free space");
-    gentlest(Way::Patch);
+        kept.emplace(root->extent().start, root->extent().length);
+    for (const Extent& extent : asset_.extentsAsRead()) {
+        if (kept.contains({extent.start, extent.length})) continue;
+        plan_.write(extent.start + 4, SharedBytes::copyOf(codeBytes("free"_os)));
+        plan_.add("atom-changes", Severity::Note, FileRange{extent.start, extent.length},
+                  "was removed and becomes free space");
+        gentlest(Way::Patch);
+    }
 }
 
 /// Writes the runs of bytes that differ, where they lie.
