@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <new>
 
 #include "vexqt/platform/error.h"
 
@@ -59,6 +60,12 @@ void append(Bytes& bytes, char16_t unit) {
     }
 }
 
+void check(UErrorCode status) {
+    if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
+    if (U_FAILURE(status) != 0)
+        throw Error(std::string("no order of texts: ") + u_errorName(status));
+}
+
 UCollator* naturalCollator() {
     struct Close {
         void operator()(UCollator* collator) const { ucol_close(collator); }
@@ -68,8 +75,7 @@ UCollator* naturalCollator() {
         std::unique_ptr<UCollator, Close> root(ucol_open("root", &status));
         ucol_setAttribute(root.get(), UCOL_NUMERIC_COLLATION, UCOL_ON, &status);
         ucol_setAttribute(root.get(), UCOL_STRENGTH, UCOL_SECONDARY, &status);
-        if (U_FAILURE(status) != 0)
-            throw Error(std::string("no order of texts: ") + u_errorName(status));
+        check(status);
         return root;
     }();
     return collator.get();
@@ -158,8 +164,10 @@ std::size_t codePointCount(std::string_view text) {
 
 int compareNaturally(std::string_view a, std::string_view b) {
     UErrorCode status = U_ZERO_ERROR;
-    return ucol_strcollUTF8(naturalCollator(), a.data(), collatorLength(a), b.data(),
-                            collatorLength(b), &status);
+    const int order = ucol_strcollUTF8(naturalCollator(), a.data(), collatorLength(a), b.data(),
+                                       collatorLength(b), &status);
+    check(status);
+    return order;
 }
 
 }  // namespace vexqt
