@@ -182,7 +182,7 @@ Bytes raising(std::size_t length) {
 
 /// Fonts without a name, three bytes each.
 Bytes fonts(std::size_t length) {
-    const Bytes table = atom("ftab"_os, {u16(1), zeros(3 * 20'000)});
+    const Bytes table = atom("ftab"_os, {u16(1), zeros(3 * 2'000)});
     const Bytes entry = atom("tx3g"_os, {zeros(6), u16(1), zeros(30), table});
     const Bytes entries = repeated(entry, std::max(length, entry.size()));
     return movieOfSampleTable(
