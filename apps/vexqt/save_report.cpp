@@ -54,10 +54,9 @@ Purpose purposeOf(const FileWrite& write, const SavePlan& plan) {
     for (const RootExtent& atom : plan.layout().atoms)
         if (range == FileRange{atom.start + 4, 4} || range == FileRange{atom.start, 8}) {
             const ByteView type = write.bytes.view().last(4);
-            if (loadBigEndian<OSType>(type.data()) == "free"_os)
-                return {"freed-atom", pathSegment(atom.type)};
+            if (ByteReader(type).u32() == "free"_os) return {"freed-atom", pathSegment(atom.type)};
         }
-    if (range.length >= 8 && loadBigEndian<OSType>(write.bytes.view().data() + 4) == "free"_os)
+    if (range.length >= 8 && ByteReader(write.bytes.view(), 4).u32() == "free"_os)
         return {"free-space"};
     return {"size"};
 }
