@@ -23,7 +23,7 @@ class Output {
 public:
     static constexpr std::size_t kCapacity = 256 * 1024;
 
-    Output() : buffer_(std::make_unique<char[]>(kCapacity)) {}
+    Output() : buffer_(std::make_unique_for_overwrite<char[]>(kCapacity)) {}
     virtual ~Output() = default;
     Output(const Output&) = delete;
     Output& operator=(const Output&) = delete;

@@ -137,6 +137,12 @@ VexQTAtom* ChildMaker::addRest(const AtomClass& cls) {
         in_.restShared();
         return nullptr;
     }
+    if (in_.context().isTolerant() && in_.remaining() == 0) {
+        in_.context().addProblem(
+            holder_.offsetInFile() + in_.position(),
+            "nothing is left for the " + std::string(cls.className) + " that belongs here");
+        return nullptr;
+    }
     return add(&cls, cls.type, in_.remaining());
 }
 

@@ -12,9 +12,11 @@ struct VEXQT_EXPORT AtomAsRead {
     /// Reads the atom again from the bytes that it was read from.
     explicit AtomAsRead(const VexQTAtom& atom);
 
-    /// The bytes from an offset up to another.
+    /// The bytes from an offset up to another, as far as they were there: rows are said to begin
+    /// behind a header that bytes may lack.
     SharedBytes part(std::size_t start, std::size_t end) const {
-        return bytes.part(start, end - start);
+        start = std::min(start, bytes.size());
+        return bytes.part(start, std::clamp(end, start, bytes.size()) - start);
     }
 
     /// The same atom as it would be read if one of its rows had other bytes; null where its class

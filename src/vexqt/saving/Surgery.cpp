@@ -323,7 +323,9 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
     }
     const AtomAsRead read(atom);
     const bool hasHeader = atom.atomClass().header != HeaderRule::None;
-    const std::size_t headerEnd = hasHeader ? read.survey.rows.front().start : 0;
+    // Free space and media data have no rows, and a header may lie in fewer bytes than it takes.
+    std::size_t headerEnd = hasHeader ? read.bytes.size() : 0;
+    if (!read.survey.rows.empty()) headerEnd = std::min(headerEnd, read.survey.rows.front().start);
     std::size_t position = headerEnd;
 
     ByteRope body;
@@ -340,7 +342,7 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
         }
         const bool isOutNow = !isPresent(row, atom);
         if (row.encode == nullptr && !row.holdsChildren && !isOutNow) continue;
-        body.append(read.part(position, std::max(position, part->start)));
+        body.append(read.part(position, part->start));
         position = part->end;
         if (isOutNow) continue;  // The edit of another row threw this one out.
         if (row.holdsChildren) {

@@ -1,0 +1,10 @@
+// Edits of movies, written in both ways and taken back.
+#include "fuzzing.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace vexqt;
+    fuzzing::beQuiet();
+    fuzzing::MovieAndDecisions input({data, size});
+    testing::checkEdits(input.movie, input.decisions);
+    return 0;
+}
