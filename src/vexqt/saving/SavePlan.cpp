@@ -655,6 +655,11 @@ void SavePlan::Exact::checkMovies() {
                       "the media claims to end past the end of the file; the new movie would be "
                       "written behind that, and zeros between");
         }
+        if (atom.type == "mdat"_os && atom.isOpenEnded) {
+            plan_.add("media-past-end", Severity::Destroys, FileRange{atom.start, atom.length},
+                      "the media has a size of 0, so that it reaches to the end of the file: the "
+                      "new movie behind it would be taken for a part of it");
+        }
     }
     for (const Problem& problem : asset_.problems())
         if (problem.isStructural)
