@@ -1,8 +1,8 @@
 #include "apps/inspector/FieldPlaces.h"
 
 #include <array>
+#include <iterator>
 
-#include "vexqt/core/full_atom.h"
 #include "vexqt/inspector/qt_value.h"
 
 namespace vexqt::inspector_app {
@@ -23,21 +23,28 @@ std::optional<std::size_t> positionIn(const std::array<std::string_view, count>&
     return static_cast<std::size_t>(found - keys.begin());
 }
 
-/// The row that reads a property: its own, or the irregular one that it stands behind.
-const Field* rowOf(const AtomClass& cls, std::string_view key) {
-    const Field* reading = nullptr;
-    for (const Field& row : cls.fields) {
-        if (row.decode != nullptr) reading = &row;
-        const bool isVersion = key == "version" && row.decode == &rows::readVersion;
-        const bool isFlags =
-            positionIn(kFlagKeys, key) && row.name.empty() && row.width == 3 && row.unitWidth == 1;
-        const bool isMatrix = positionIn(kMatrixKeys, key) && row.name == "matrix";
-        if (isVersion || isFlags || isMatrix) return &row;
-        if (row.name != key) continue;
-        // What was worked out from others lies behind a row that has a name of its own.
-        const bool isIrregular = reading != nullptr && reading->name.empty();
-        return row.decode != nullptr || isIrregular ? reading : nullptr;
+bool isFlagsRow(const Field* row) {
+    return row != nullptr && row->name.empty() && row->width == 3 && row->unitWidth == 1;
+}
+
+bool isProperty(const AtomClass& cls, const Field& row, std::string_view key) {
+    if (row.name == "matrix" && positionIn(kMatrixKeys, key)) return true;
+    return std::ranges::any_of(propertiesOf(cls, row),
+                               [key](const Field& property) { return property.name == key; });
+}
+
+/// The part that a property was read from; null where none was.
+const Survey::Part* partOf(const AtomClass& cls, const Survey& survey, std::string_view key) {
+    // Version and flags have no names in the rows: they are every atom's.
+    const auto flags = std::ranges::find_if(
+        survey.rows, [](const Survey::Part& part) { return isFlagsRow(part.row); });
+    if (flags != survey.rows.end() && positionIn(kFlagKeys, key)) return &*flags;
+    if (flags != survey.rows.end() && flags != survey.rows.begin() && key == "version") {
+        const Survey::Part& before = *std::prev(flags);
+        return before.row != nullptr && before.row->width == 1 ? &before : nullptr;
     }
+    for (const Survey::Part& part : survey.rows)
+        if (part.row != nullptr && isProperty(cls, *part.row, key)) return &part;
     return nullptr;
 }
 
@@ -57,10 +64,7 @@ const AtomAsRead* FieldPlaces::asRead() {
 
 const Survey::Part* FieldPlaces::partOf(std::string_view key) {
     const AtomAsRead* read = asRead();
-    const Field* row = read != nullptr ? rowOf(atom_.atomClass(), key) : nullptr;
-    if (row == nullptr) return nullptr;
-    const auto part = std::ranges::find(read->survey.rows, row, &Survey::Part::row);
-    return part != read->survey.rows.end() ? &*part : nullptr;
+    return read != nullptr ? inspector_app::partOf(atom_.atomClass(), read->survey, key) : nullptr;
 }
 
 /// The bytes that atoms are made from reach to their end, but do not always begin at their start.

@@ -5,7 +5,7 @@
 #include "movies.h"
 #include "vexqt/inspector/qt_value.h"
 #include "vexqt/saving/FileTransaction.h"
-#include "vexqt/saving/Journal.h"
+#include "vexqt/saving/recovery.h"
 
 namespace vexqt::inspector_app {
 
@@ -26,22 +26,25 @@ private:
         change.oldLength = change.newLength = static_cast<std::uint64_t>(old.size());
         change.writes.push_back({64, SharedBytes::copyOf(testing::u32(0x12345678))});
         QByteArray journal;
+        QString journalPath;
         {
             FileTransaction transaction(systemFiles());
             transaction.open(movie, *systemFiles().identityOf(movie, error));
-            transaction.apply(
-                change, {.progress = {}, .verify = [&](File&) {
-                             journal =
-                                 contentsOf(QString::fromStdString(journalPathOf(movie).string()));
-                             return false;
-                         }});
+            transaction.apply(change,
+                              {.progress = {}, .verify = [&](File&) {
+                                   std::error_code ignored;
+                                   journalPath = QString::fromStdString(
+                                       findJournal(systemFiles(), movie, ignored)->string());
+                                   journal = contentsOf(journalPath);
+                                   return false;
+                               }});
         }
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadWrite));
         file.seek(64);
         file.write(QByteArray::fromHex("12345678"));
         file.close();
-        QFile beside(QString::fromStdString(journalPathOf(movie).string()));
+        QFile beside(journalPath);
         QVERIFY(beside.open(QIODevice::WriteOnly));
         beside.write(journal);
     }
