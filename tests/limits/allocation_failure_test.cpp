@@ -20,6 +20,13 @@ namespace {
 
 using Then = FailingHeap::Then;
 
+/// Where every throw is watched there is time for every eleventh allocation.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::uint64_t kStep = 11;
+#else
+constexpr std::uint64_t kStep = 1;
+#endif
+
 /// One try of an operation under a heap that fails.
 class Try {
 public:
@@ -30,9 +37,9 @@ public:
     virtual void check(bool hasThrown) = 0;
 };
 
-/// Tries an operation again and again, each time one allocation later; gives how often it failed.
+/// Tries an operation again and again, each time a step later; gives how often it failed.
 std::uint64_t failEveryAllocation(Then then, const std::function<std::unique_ptr<Try>()>& begin) {
-    for (std::uint64_t n = 1;; ++n) {
+    for (std::uint64_t n = 1;; n += kStep) {
         SCOPED_TRACE("allocation " + std::to_string(n) +
                      (then == Then::StaysFull ? " and all after it" : ""));
         const HeapWatch heap;
@@ -509,7 +516,7 @@ TEST(AllocationFailure, LeavesASaveThatIsNotUndone) { failEveryAllocation(trying
 /// Nothing that is made at its first use stays half made.
 TEST(AllocationFailure, LeavesNothingHalfMadeAtTheFirstUse) {
     const auto coldly = [](const std::function<std::unique_ptr<Try>()>& begin) {
-        for (std::uint64_t n = 1;; ++n) {
+        for (std::uint64_t n = 1;; n += kStep) {
             const auto attempt = begin();
             const FailingHeap failing(n, Then::Recovers);
             try {
