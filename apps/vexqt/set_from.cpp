@@ -60,8 +60,7 @@ ExitStatus setFrom(const Arguments& arguments, Console& console) {
     Arguments forEach = arguments;
     const ExitStatus read = attempt(*arguments.settings, console, [&] {
         const Bytes bytes = readAll(*arguments.settings, console);
-        forEach.operands =
-            assignmentsIn({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        forEach.operands = assignmentsIn(std::string(bytes.begin(), bytes.end()));
         if (forEach.operands.empty() && arguments.absent.empty())
             throw Failure("there is no setting in it", ExitStatus::WrongUsage);
     });

@@ -8,7 +8,9 @@ namespace vexqt {
 template <class T>
 class Rare {
 public:
+    /// None.
     Rare() = default;
+    /// With a value of its own.
     Rare(const Rare& other) : held_(other.held_ ? std::make_unique<T>(*other.held_) : nullptr) {}
     Rare(Rare&&) noexcept = default;
     Rare& operator=(Rare other) noexcept {
@@ -17,8 +19,11 @@ public:
     }
     ~Rare() = default;
 
+    /// Whether it was set.
     explicit operator bool() const { return held_ != nullptr; }
+    /// The value, which was set.
     const T* operator->() const { return held_.get(); }
+    /// The value, which was set.
     const T& operator*() const { return *held_; }
     /// The value, made where there was none.
     T& made() {

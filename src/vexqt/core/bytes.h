@@ -19,7 +19,7 @@
 
 namespace vexqt {
 
-/// The same bytes as a number of this machine; its own inverse.
+/// The number with its bytes in the other order.
 template <std::integral T>
 constexpr T withBytesReversed(T value) {
     using Unsigned = std::make_unsigned_t<T>;
@@ -32,6 +32,7 @@ constexpr T withBytesReversed(T value) {
     return static_cast<T>(swapped);
 }
 
+/// The same bytes as a number of this machine; its own inverse.
 template <std::integral T>
 constexpr T fromBigEndian(T value) {
     if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1) return value;
