@@ -496,7 +496,8 @@ void checkSave(ByteView movie, Decisions& decisions) {
     const auto failure = transaction.apply(change);
     claim(!failure, "a change fails on a sound disk");
     claim(files.bytes("/movie") == after, "other bytes are written than were planned");
-    if (plan.way() == SavePlan::Way::Nothing || form == SaveForm::Exact) return;
+    // What would destroy something is refused.
+    if (plan.has(Severity::Destroys) || form == SaveForm::Exact) return;
 
     const auto again = files.openForReading("/movie", error);
     const FileLayout layout = FileLayout::of(*again, error);
