@@ -113,8 +113,11 @@ AtomTreeModel::Node* AtomTreeModel::nodeOf(const VexQTAtom* atom) const {
     return node;
 }
 
+/// From here on its atom, which may be gone already, is not asked any more.
 void AtomTreeModel::forget(Node* node) {
     nodes_.remove(node->atom);
+    node->atom = nullptr;
+    node->isPopulated = true;
     for (const auto& child : node->children) forget(child.get());
 }
 
@@ -203,8 +206,8 @@ void AtomTreeModel::synchronise(Node* node) {
         return;
     }
     if (!node->children.empty()) {
-        beginRemoveRows(indexOf(node), 0, static_cast<int>(node->children.size()) - 1);
         for (const auto& child : node->children) forget(child.get());
+        beginRemoveRows(indexOf(node), 0, static_cast<int>(node->children.size()) - 1);
         node->children.clear();
         endRemoveRows();
     }
