@@ -80,8 +80,9 @@ TEST(PropertiesCommand, WithoutAClassListsAllAndWhatEveryAtomHas) {
 }
 
 TEST(PropertiesCommand, EveryPropertyThatItCallsSettableIsSetByItsName) {
-    for (const AtomClass* cls : atomClasses())
-        for (const json& property : classNamed(std::string(cls->className))["properties"]) {
+    for (const AtomClass* cls : atomClasses()) {
+        const json told = classNamed(std::string(cls->className));
+        for (const json& property : told["properties"]) {
             const auto atom = cls->create();
             const Field* field = atom->propertyNamed(property["name"].get<std::string>());
             ASSERT_NE(field, nullptr);
@@ -89,6 +90,7 @@ TEST(PropertiesCommand, EveryPropertyThatItCallsSettableIsSetByItsName) {
                       field->set != nullptr || field->list != nullptr)
                 << cls->className << "." << field->name;
         }
+    }
 }
 
 TEST(PropertiesCommand, AClassThatIsNotThereIsAMistake) {
