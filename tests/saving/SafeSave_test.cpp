@@ -89,6 +89,34 @@ TEST(SafeSave, AMovieWithoutRoomMovesBehindTheMediaAndSaysSo) {
     EXPECT_EQ(all.after.size(), all.before.size() + 172);
 }
 
+/// What a move leaves that was killed before it counted: players take the first movie they meet.
+TEST(SafeSave, AMovieThatMovesMakesFreeSpaceOfOtherMovies) {
+    const Bytes other = movie(9);
+    for (const bool isCut : {false, true}) {
+        SCOPED_TRACE(isCut);
+        Bytes before = join({kFileType, movie(8), kMedia, other});
+        if (isCut) before.resize(before.size() - 3);
+        const Saved all = saved(before, grow(40));
+        EXPECT_EQ(all.result.outcome, SaveResult::Outcome::Saved) << all.report;
+        EXPECT_EQ(all.result.plan.way(), SavePlan::Way::Move);
+        EXPECT_TRUE(all.has("several-movies"));
+
+        const auto asset = VexQTAsset::initWithData(all.after);
+        ASSERT_EQ(asset->rootAtoms().size(), 5U);
+        EXPECT_EQ(asset->rootAtoms()[1]->atomType(), "free"_os);
+        EXPECT_EQ(asset->rootAtoms()[3]->atomType(), "free"_os);
+        EXPECT_EQ(asset->moovAtom(), asset->rootAtoms()[4].get());
+        EXPECT_EQ(asset->moovAtom()->childWithType("wide"_os)->extent().length, 16U);
+        EXPECT_NE(asset->moovAtom()->childWithType("skip"_os), nullptr);
+
+        // Of the other movie nothing but its type is another one, and the size that claimed too
+        // much.
+        const std::size_t start = before.size() - other.size() + (isCut ? 3 : 0);
+        EXPECT_EQ(part(all.after, start + 8, before.size() - start - 8),
+                  part(before, start + 8, before.size() - start - 8));
+    }
+}
+
 TEST(SafeSave, OpenEndedMediaGetsItsSizeBeforeAMovieIsWrittenBehindIt) {
     const Bytes open = atomClaiming(0, "mdat"_os, {Bytes(100, 0xDA)});
     const Saved all = saved(join({kFileType, movie(8), open}), grow(40));

@@ -87,6 +87,12 @@ Editing setOfVideo(Value value, std::string_view property) {
                property);
 }
 
+/// The first of two movies no longer fits where it lies; the second does.
+void growBothMovies(VexQTAsset& asset) {
+    grow(40)(asset);
+    asset.rootAtoms()[2]->childWithType("mvhd"_os)->setValueForKey(1234, "timeScale");
+}
+
 struct FindingCase {
     std::string_view id;
     SaveForm form;
@@ -135,8 +141,10 @@ std::vector<FindingCase> surgicalCases() {
          join({kFileType, kMedia, kCutMovie}), setTimeScale, kPlain, setTimeScale},
         {"several-movies", kForm, kNote, "two movies", twoMovies, setTimeScale, kMovieFirst,
          setTimeScale},
-        {"several-movies", kForm, kDestroys, "the first movie moves behind the second", twoMovies,
+        {"several-movies", kForm, kChanges, "the first movie moves behind the second", twoMovies,
          grow(40), kMovieFirst, grow(40)},
+        {"several-movies", kForm, kDestroys, "the first of two edited movies moves", twoMovies,
+         growBothMovies, twoMovies, grow(40)},
         {"behind-fragments", kForm, kDestroys, "a fragmented movie that moves",
          join({kFileType, movie(8), kFragment, kMedia}), grow(40),
          join({kFileType, movie(8), kFragment, kMedia}), setTimeScale},

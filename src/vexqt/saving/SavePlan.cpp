@@ -218,6 +218,7 @@ private:
     void addRemoved();
     void addEdits(const Surgery& surgery);
     void checkMovies();
+    void freeOtherMovies();
     void patch(std::uint64_t offset, const SharedBytes& was, const ByteRope& now);
     static SharedBytes wholeAtom(OSType type, const VexQTAtom& root, const ByteRope& now,
                                  std::size_t inFront);
@@ -278,14 +279,35 @@ void SavePlan::Surgical::checkMovies() {
                   "the file ends inside the movie; what is there of it stays", pathOf(*root));
     }
     if (movies < 2) return;
-    const std::string count = "there are " + std::to_string(movies) + " movies";
     if (firstMovieIsMoved_) {
-        plan_.add("several-movies", Severity::Destroys, {},
-                  count +
-                      "; the first would be written behind the others, and players take the "
-                      "one that comes first");
+        freeOtherMovies();
     } else {
-        plan_.add("several-movies", Severity::Note, {}, count + "; players take the first");
+        plan_.add("several-movies", Severity::Note, {},
+                  "there are " + std::to_string(movies) + " movies; players take the first");
+    }
+}
+
+/// Players take the movie that comes first, so behind others the first one would not be it any
+/// more. A move that was killed before it counted leaves such another one, whole and not counting.
+void SavePlan::Surgical::freeOtherMovies() {
+    for (const auto& root : asset_.rootAtoms()) {
+        const Extent extent = root->extent();
+        const bool isOther = root->atomType() == "moov"_os && root.get() != asset_.moovAtom();
+        if (!isOther || extent.length == 0) continue;
+        const FileRange range = {extent.start, extent.length};
+        const bool isEdited = std::ranges::count(plan_.newAtoms_, root.get(), &NewAtom::atom) > 0;
+        if (isEdited) {
+            plan_.add("several-movies", Severity::Destroys, range,
+                      "another movie was edited too, and the first would be written behind it: "
+                      "only one of them can come first",
+                      pathOf(*root));
+            continue;
+        }
+        plan_.write(extent.start + 4, SharedBytes::copyOf(codeBytes("free"_os)));
+        plan_.add("several-movies", Severity::Changes, range,
+                  "another movie, which players do not take, becomes free space: the first one "
+                  "will lie behind it",
+                  pathOf(*root));
     }
 }
 
