@@ -3,6 +3,7 @@
 
 #include <map>
 
+#include "testing/LogLines.h"
 #include "testing/bytes.h"
 #include "testing/files.h"
 #include "vexqt/asset/VexQTAsset.h"
@@ -10,7 +11,6 @@
 #include "vexqt/atoms/structure/VexQTftypAtom.h"
 #include "vexqt/atoms/structure/VexQTmoofAtom.h"
 #include "vexqt/platform/files.h"
-#include "vexqt/platform/log.h"
 
 namespace vexqt {
 namespace {
@@ -29,18 +29,6 @@ std::unique_ptr<VexQTAsset> opened(From from, ByteView bytes, ReadOptions option
     EXPECT_FALSE(error) << error.message();
     return asset;
 }
-
-class LogLines {
-public:
-    LogLines() {
-        previous_ = setLogSink([this](std::string_view line) { lines.emplace_back(line); });
-    }
-    ~LogLines() { setLogSink(previous_); }
-    std::vector<std::string> lines;
-
-private:
-    LogSink previous_;
-};
 
 /// "ftyp 0 20, mdat 20 12": types, offsets and sizes of the roots.
 std::string listed(const VexQTAsset& asset) {
@@ -107,6 +95,18 @@ TEST_P(BothReaders, ListAFileWithoutFileTypeAsInvalid) {
     EXPECT_EQ(asset->rootAtoms()[0]->atomClass().className, "VexQTAtom");
     EXPECT_FALSE(isValid(*asset));
     EXPECT_TRUE(log.lines.empty());
+}
+
+TEST_P(BothReaders, EndWhereNoHeaderIsLeftAndLogNothing) {
+    for (std::size_t count = 0; count < 8; ++count) {
+        SCOPED_TRACE(count);
+        const LogLines log;
+        const auto asset =
+            opened(GetParam(), join({fileType("qt  "), kMedia, kMovie, Bytes(count, 0xEE)}));
+        EXPECT_EQ(listed(*asset), "ftyp 0 20, mdat 20 12, moov 32 20");
+        EXPECT_TRUE(isValid(*asset));
+        EXPECT_TRUE(log.lines.empty());
+    }
 }
 
 TEST_P(BothReaders, EndAtAMediaAtomOfSizeZeroWithoutListingIt) {

@@ -73,6 +73,14 @@ TEST(GminAtom, BeginsWithABalanceOfOneThatIsWrittenAsZero) {
     EXPECT_EQ(atom.atomNibName(), "VexQTgminAtom");
 }
 
+TEST(GminAtom, WritesTheFractionOfABalanceAlone) {
+    const auto atom = VexQTgminAtom::initWithData(atomWithBalance(0), nullptr, 0);
+    atom->setBalance(2.75);
+    EXPECT_EQ(atom->atomData(), atomWithBalance(0xC000));
+    atom->setBalance(-0.25);
+    EXPECT_EQ(atom->atomData(), atomWithBalance(0xC000));
+}
+
 TEST(GminAtom, WritesReservedBytesAsZero) {
     Bytes bytes = atomWithBalance(0);
     bytes[22] = 0xAB;

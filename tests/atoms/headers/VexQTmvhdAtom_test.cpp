@@ -219,6 +219,16 @@ TEST(MvhdAtom, TheRateHasSinglePrecision) {
     EXPECT_EQ(movie->atomData(), with(28, u32(0x80000000)));
 }
 
+TEST(MvhdAtom, KeepsMatrixElementsUnrounded) {
+    // w is 1 + 2^-30; a needs 31 bits.
+    Bytes bytes = with(76, u32(0x40000001));
+    std::ranges::copy(u32(0x7FFFFFFF), bytes.begin() + 44);
+    const auto movie = VexQTmvhdAtom::initWithData(bytes, nullptr, 0);
+    EXPECT_EQ(movie->matrixWValue(), 1.0 + 1 / 1073741824.0);
+    EXPECT_EQ(movie->matrixAValue(), 32767.0 + 65535 / 65536.0);
+    EXPECT_EQ(movie->atomData(), bytes);
+}
+
 TEST(MvhdAtom, MatrixElementsThatHaveNoInverseComeOutChanged) {
     // a: -1.0 reads as -2.0; u: 0.5 loses its high fraction bits; w: -1.0 reads as -2.0.
     const Bytes read = with(44, join({u32(0xFFFF0000), u32(0), u32(0x20000000)}));

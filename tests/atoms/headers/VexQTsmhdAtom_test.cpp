@@ -48,6 +48,15 @@ TEST(SmhdAtom, WritesAFractionOfOneHalfOneLower) {
     EXPECT_EQ(atom.atomData(), atomWithBalance(0xFEC0));
 }
 
+TEST(SmhdAtom, WrapsABalanceThatDoesNotFit) {
+    VexQTsmhdAtom atom;
+    atom.setVersion(3);
+    atom.setBalance(129.25F);
+    EXPECT_EQ(atom.atomData(), atomWithBalance(0x8140));
+    atom.setBalance(257.25F);
+    EXPECT_EQ(atom.atomData(), atomWithBalance(0x0140));
+}
+
 TEST(SmhdAtom, DoesNotReadItsFlagsButWritesItsOwn) {
     const Bytes bytes = join({
         u32(16), text("smhd"),  //

@@ -163,6 +163,13 @@ TEST(MetadataItem, AChildOfEightBytesAtTheEndIsDropped) {
     EXPECT_EQ(item->atomData(), atom(5, {number(1)}));
 }
 
+TEST(MetadataItem, BytesThatAreNoHeaderAreDropped) {
+    for (std::size_t count = 1; count < 8; ++count)
+        EXPECT_EQ(readItem(atom(5, {number(1), Bytes(count, 0xEE)}))->atomData(),
+                  atom(5, {number(1)}))
+            << count;
+}
+
 TEST(MetadataItem, AValueThatIsTooShortEndsTheReading) {
     EXPECT_THROW(readItem(atom(5, {atom("data"_os, {u32(1)})})), InsertionError);
 }

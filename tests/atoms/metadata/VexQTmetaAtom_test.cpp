@@ -187,6 +187,17 @@ TEST(MetaAtom, AChildOfEightBytesAtTheEndIsDropped) {
     EXPECT_EQ(metadata->atomData(), atom("meta"_os, {handler()}));
 }
 
+TEST(MetaAtom, BytesThatAreNoHeaderAreDropped) {
+    for (std::size_t count = 1; count < 8; ++count) {
+        SCOPED_TRACE(count);
+        const auto plain = readBelow("moov"_os, atom("meta"_os, {handler(), Bytes(count, 0xEE)}));
+        EXPECT_EQ(plain->atomData(), atom("meta"_os, {handler()}));
+        const auto full = readBelow(
+            "udta"_os, atom("meta"_os, {versionAndFlags(), handler(), Bytes(count, 0xEE)}));
+        EXPECT_EQ(full->atomData(), atom("meta"_os, {versionAndFlags(), handler()}));
+    }
+}
+
 TEST(MetaAtom, AChildOfSizeZeroReachesAsFarAsTheWholeAtomIsLong) {
     const Bytes payload = {1, 2, 3, 4};
     const auto metadata =

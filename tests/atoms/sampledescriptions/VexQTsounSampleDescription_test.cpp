@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "atoms/sampledescriptions/entries.h"
+#include "testing/LogLines.h"
 #include "testing/reading.h"
 #include "vexqt/atoms/sampledescriptions/VexQTchanAtom.h"
 #include "vexqt/atoms/structure/VexQTmdiaAtom.h"
-#include "vexqt/platform/log.h"
 
 namespace vexqt {
 namespace {
@@ -331,12 +331,10 @@ TEST(SounSampleDescription, AnExtensionPastTheEndIsARangeError) {
 }
 
 TEST(SounSampleDescription, ADeclinedChannelLayoutIsAnInsertionErrorWithoutALine) {
-    std::vector<std::string> lines;
-    const LogSink before = setLogSink([&](std::string_view line) { lines.emplace_back(line); });
+    const LogLines log;
     EXPECT_EQ(errorOf<InsertionError>([] { read(sound(0, {atom("chan"_os, {zeros(15)})})); }),
               "soun.chan at 36: VexQTchanAtom declines 23 bytes");
-    setLogSink(before);
-    EXPECT_TRUE(lines.empty());
+    EXPECT_TRUE(log.lines.empty());
 }
 
 TEST(SounSampleDescription, ReadTolerantlyKeepsADeclinedChannelLayoutAsRawBytes) {

@@ -109,6 +109,17 @@ TEST(Tx3gAtom, WritesEveryField) {
     EXPECT_EQ(description.atomSize(), 46U);
 }
 
+TEST(Tx3gAtom, ReadsNoSideAsNegative) {
+    Bytes bytes = kAtom;
+    std::fill_n(bytes.begin() + 26, 8, std::uint8_t{0xFF});
+    const auto description = VexQTtx3gAtom::initWithData(bytes, nullptr, 0);
+    EXPECT_EQ(description->textBoxTop(), 65535);
+    EXPECT_EQ(description->textBoxLeft(), 65535);
+    EXPECT_EQ(description->textBoxBottom(), 65535);
+    EXPECT_EQ(description->textBoxRight(), 65535);
+    EXPECT_EQ(description->atomData(), bytes);
+}
+
 TEST(Tx3gAtom, WritesTheLowSixteenBitsOfASide) {
     const auto description = VexQTtx3gAtom::initWithData(kAtom, nullptr, 0);
     description->setTextBoxTop(0x7FFF1234);

@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "atoms/sampledescriptions/entries.h"
+#include "testing/LogLines.h"
 #include "testing/reading.h"
 #include "vexqt/atoms/headers/VexQTcolrAtom.h"
 #include "vexqt/atoms/headers/VexQTpaspAtom.h"
-#include "vexqt/platform/log.h"
 
 namespace vexqt {
 namespace {
@@ -332,13 +332,11 @@ TEST(VideSampleDescription, AnExtensionShorterThanAHeaderOrPastTheEndIsARangeErr
 }
 
 TEST(VideSampleDescription, ADeclinedExtensionIsLoggedAndAnInsertionError) {
-    std::vector<std::string> lines;
-    const LogSink before = setLogSink([&](std::string_view line) { lines.emplace_back(line); });
+    const LogLines log;
     EXPECT_EQ(errorOf<InsertionError>([] { read(fixedPart({atom("pasp"_os, {u32(1)})})); }),
               "vide.pasp at 86: VexQTpaspAtom declines 12 bytes");
     EXPECT_THROW(read(fixedPart({atomClaiming(7, "avcC"_os)})), InsertionError);
-    setLogSink(before);
-    EXPECT_EQ(lines, (std::vector<std::string>{"newAtom == nil", "newAtom == nil"}));
+    EXPECT_EQ(log.lines, (std::vector<std::string>{"newAtom == nil", "newAtom == nil"}));
 }
 
 TEST(VideSampleDescription, AChangedOrAddedExtensionIsWritten) {

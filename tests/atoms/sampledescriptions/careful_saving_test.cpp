@@ -4,6 +4,7 @@
 #include "atoms/sampledescriptions/entries.h"
 #include "vexqt/atoms/headers/VexQTcrgnAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTchanAtom.h"
+#include "vexqt/atoms/sampledescriptions/VexQTftabAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTsounSampleDescription.h"
 #include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 #include "vexqt/atoms/sampledescriptions/VexQTvideSampleDescription.h"
@@ -59,6 +60,8 @@ TEST(CarefulSavingOfEntries, LeavesWhatNobodyEditedHoweverItsClassWouldWriteIt) 
          atom("chan"_os, {zeros(12), u32(1), Bytes(40, 5), text("part")})},
         {"a layout that counts none", VexQTchanAtom::kClass,
          atom("chan"_os, {zeros(12), u32(0), Bytes(25, 5)})},
+        {"fonts with a byte behind them", VexQTftabAtom::kClass,
+         atom("ftab"_os, {u16(1), u16(7), u8(5), text("Serif"), u8(0xEE)})},
         {"a clipping region", VexQTcrgnAtom::kClass,
          atom("crgn"_os, {u16(0x000A), u64(0x0102030405060708)})},
     };
@@ -126,6 +129,16 @@ TEST(CarefulSavingOfEntries, DescriptionsThatAreAddedOrRemovedAreCounted) {
     const auto none = VexQTchanAtom::initWithData(layout(0, {zeros(20)}), nullptr, 0);
     none->addChild(VexQTChannelDescription::initWithData(second, nullptr, 0));
     EXPECT_EQ(saved(*none), layout(1, {second}));
+}
+
+TEST(CarefulSavingOfEntries, AByteBehindTheFontsStaysWhenOneIsEdited) {
+    const auto fonts = [](std::string_view name) {
+        return atom("ftab"_os, {u16(1), u16(7), u8(static_cast<std::uint8_t>(name.size())),
+                                text(name), u8(0xEE)});
+    };
+    const auto table = VexQTftabAtom::initWithData(fonts("Serif"), nullptr, 0);
+    table->fontTableEntries()[0].setFontName("Sans-Serif");
+    EXPECT_EQ(saved(*table), fonts("Sans-Serif"));
 }
 
 TEST(ExactWritingOfEntries, FindsNothingInWhatComesBack) {

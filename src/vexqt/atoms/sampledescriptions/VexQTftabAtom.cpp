@@ -121,12 +121,13 @@ static std::size_t nameLengthAhead(ByteReader in) {
     return in.u8();
 }
 
-/// An entry whose name runs past the end is left out and ends the table.
+/// An entry whose name runs past the end is left out and ends the table. One byte behind the last
+/// entry ends it too; two are taken for the next entry, whose length is missing.
 void VexQTftabAtom::decodeEntries(AtomReader& in) {
     if (!hasEntriesToRead_ || in.remaining() < 2) return;
     AtomReader entries = in;
     unmade_.start = in.position();
-    while (in.remaining() != 0) {
+    while (in.remaining() >= 2) {
         const std::size_t start = in.position();
         const std::size_t length = kBeforeName + nameLengthAhead(in);
         if (length > in.remaining()) break;
