@@ -176,14 +176,16 @@ void AtomPane::refresh() {
 }
 
 void AtomPane::enter() {
-    QWidget* view = controller_ ? controller_->view() : contents_;
-    if (QWidget* first = view->nextInFocusChain();
-        controller_ && first != nullptr && view->isAncestorOf(first))
-        view = first;
-    while (controller_ && view != nullptr && controller_->view()->isAncestorOf(view) &&
-           ((view->focusPolicy() & Qt::TabFocus) == 0 || !view->isVisible()))
-        view = view->nextInFocusChain();
-    if (view != nullptr) view->setFocus(Qt::TabFocusReason);
+    QWidget* first = contents_;
+    if (controller_) {
+        const QWidget* view = controller_->view();
+        const auto takesFocus = [](const QWidget& widget) {
+            return (widget.focusPolicy() & Qt::TabFocus) != 0 && widget.isVisible();
+        };
+        first = view->nextInFocusChain();
+        while (view->isAncestorOf(first) && !takesFocus(*first)) first = first->nextInFocusChain();
+    }
+    first->setFocus(Qt::TabFocusReason);
 }
 
 }  // namespace vexqt::inspector_app

@@ -366,33 +366,31 @@ void HexView::paintRow(QPainter& painter, quint64 row, int y, const QByteArray& 
     painter.setPen(colors.offset);
     painter.drawText(kMargin, baseline, offset);
 
+    struct Look {
+        QColor back, front;
+        ByteRange run;  ///< The bytes that look so together.
+    };
     const ByteRange chosen = selection();
     const bool isChosen = chosen.length > 1 || hasFocus();
+    const auto lookOf = [&](quint64 position, char byte) -> Look {
+        if (isChosen && chosen.contains(position))
+            return {palette().color(QPalette::Highlight),
+                    palette().color(QPalette::HighlightedText), chosen};
+        if (highlight_.contains(position))
+            return {colors.highlightBack, colors.highlight, highlight_};
+        if (range_.contains(position))
+            return {colors.rangeBack, byte == 0 ? colors.zero : colors.inside, range_};
+        return {{}, colors.outside, {}};
+    };
     for (int column = 0; column < bytesPerRow_; ++column) {
         const quint64 position = start + static_cast<quint64>(column);
         if (position >= length()) break;
         const qsizetype index = from + column;
         const bool isThere = index < bytes.size();
         const char byte = isThere ? bytes[index] : '\0';
-
-        QColor back, front = colors.outside;
-        if (range_.contains(position)) {
-            back = colors.rangeBack;
-            front = byte == 0 ? colors.zero : colors.inside;
-        }
-        if (highlight_.contains(position)) {
-            back = colors.highlightBack;
-            front = colors.highlight;
-        }
-        if (isChosen && chosen.contains(position)) {
-            back = palette().color(QPalette::Highlight);
-            front = palette().color(QPalette::HighlightedText);
-        }
+        const auto [back, front, run] = lookOf(position, byte);
         if (back.isValid()) {
             // The gap to the next byte belongs to a run that goes on.
-            const ByteRange& run = isChosen && chosen.contains(position) ? chosen
-                                   : highlight_.contains(position)       ? highlight_
-                                                                         : range_;
             const bool goesOn = column + 1 < bytesPerRow_ && run.contains(position + 1);
             const int right = goesOn ? hexX(column + 1) : hexX(column) + 2 * metrics_.glyph;
             painter.fillRect(hexX(column), y, right - hexX(column), metrics_.row, back);

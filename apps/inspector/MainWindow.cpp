@@ -67,6 +67,7 @@ MainWindow::MainWindow(QSettings* settings, QWidget* parent)
     makeFileActions();
     makeEditActions();
     makeViewActions();
+    makeColorActions();
     makeHelpActions();
     makeMenus();
     makeToolBar();
@@ -99,10 +100,10 @@ QAction* MainWindow::add(const QString& name, const QString& text,
 
 QAction* MainWindow::addForTab(const QString& name, const QString& text,
                                const QList<QKeySequence>& shortcuts, const QString& tip,
-                               TabAction act) {
+                               const TabAction& act) {
     QAction* action = add(name, text, shortcuts, tip);
     connect(action, &QAction::triggered, this, [this, act] {
-        if (MovieTab* tab = currentTab()) (tab->*act)();
+        if (MovieTab* tab = currentTab()) act(*tab);
     });
     tabActions_ << action;
     return action;
@@ -116,28 +117,20 @@ void MainWindow::makeFileActions() {
     open->setIcon(theme::icon(QStringLiteral("open")));
     connect(open, &QAction::triggered, this, &MainWindow::askForMovies);
 
-    QAction* save = add(QStringLiteral("save"), tr("&Save…"), {QKeySequence::Save},
-                        tr("Shows what a save will do, and saves the movie"));
-    save->setIcon(theme::icon(QStringLiteral("save")));
-    connect(save, &QAction::triggered, this, [this] { currentTab()->save(); });
-    QAction* copy =
-        add(QStringLiteral("saveCopy"), tr("Save a &Copy…"), {QKeySequence(tr("Ctrl+Shift+S"))},
-            tr("Saves the edited movie under another name"));
-    connect(copy, &QAction::triggered, this, [this] { currentTab()->saveCopy(); });
-    QAction* check = add(QStringLiteral("check"), tr("Chec&k…"), {QKeySequence(tr("F7"))},
-                         tr("Shows what a save would do, without saving"));
-    connect(check, &QAction::triggered, this, [this] { currentTab()->check(); });
-    tabActions_ << save << copy << check;
-
+    addForTab(QStringLiteral("save"), tr("&Save…"), {QKeySequence::Save},
+              tr("Shows what a save will do, and saves the movie"), &MovieTab::save)
+        ->setIcon(theme::icon(QStringLiteral("save")));
+    addForTab(QStringLiteral("saveCopy"), tr("Save a &Copy…"), {QKeySequence(tr("Ctrl+Shift+S"))},
+              tr("Saves the edited movie under another name"), &MovieTab::saveCopy);
+    addForTab(QStringLiteral("check"), tr("Chec&k…"), {QKeySequence(tr("F7"))},
+              tr("Shows what a save would do, without saving"), &MovieTab::check);
     addForTab(QStringLiteral("takeBack"), tr("&Take Back the Last Save"), {},
               tr("Makes the file what it was before its last save"), &MovieTab::takeBackLastSave);
     addForTab(QStringLiteral("readAgain"), tr("&Read Again"), {QKeySequence(tr("F5"))},
               tr("Reads the movie from its file once more"), &MovieTab::readAgain)
         ->setIcon(theme::icon(QStringLiteral("reload")));
-    QAction* close =
-        add(QStringLiteral("close"), tr("C&lose"), {QKeySequence::Close}, tr("Closes this movie"));
-    connect(close, &QAction::triggered, this, [this] { closeTab(tabs_->currentIndex()); });
-    tabActions_ << close;
+    addForTab(QStringLiteral("close"), tr("C&lose"), {QKeySequence::Close}, tr("Closes this movie"),
+              [this](MovieTab&) { closeTab(tabs_->currentIndex()); });
     QAction* quit = add(QStringLiteral("quit"), tr("&Quit"), {QKeySequence(tr("Ctrl+Q"))},
                         tr("Closes all movies and ends the program"));
     connect(quit, &QAction::triggered, this, &QWidget::close);
@@ -145,15 +138,15 @@ void MainWindow::makeFileActions() {
 
 void MainWindow::makeEditActions() {
     // Which history they act on changes with the tab, so they are plain actions.
-    QAction* undo = add(QStringLiteral("undo"), tr("&Undo"), {QKeySequence::Undo},
-                        tr("Takes the last edit back"));
-    undo->setIcon(theme::icon(QStringLiteral("undo")));
-    connect(undo, &QAction::triggered, this, [this] { currentTab()->document().history().undo(); });
-    QAction* redo = add(QStringLiteral("redo"), tr("&Redo"),
-                        {QKeySequence(tr("Ctrl+Shift+Z")), QKeySequence(tr("Ctrl+Y"))},
-                        tr("Makes the edit that was taken back once more"));
-    redo->setIcon(theme::icon(QStringLiteral("redo")));
-    connect(redo, &QAction::triggered, this, [this] { currentTab()->document().history().redo(); });
+    addForTab(QStringLiteral("undo"), tr("&Undo"), {QKeySequence::Undo},
+              tr("Takes the last edit back"),
+              [](MovieTab& tab) { tab.document().history().undo(); })
+        ->setIcon(theme::icon(QStringLiteral("undo")));
+    addForTab(QStringLiteral("redo"), tr("&Redo"),
+              {QKeySequence(tr("Ctrl+Shift+Z")), QKeySequence(tr("Ctrl+Y"))},
+              tr("Makes the edit that was taken back once more"),
+              [](MovieTab& tab) { tab.document().history().redo(); })
+        ->setIcon(theme::icon(QStringLiteral("redo")));
 
     addForTab(QStringLiteral("insertInto"), tr("&Insert an Atom into This…"),
               {QKeySequence(tr("Ctrl+I"))}, tr("Puts an atom from a file into the selected one"),
@@ -166,27 +159,22 @@ void MainWindow::makeEditActions() {
     addForTab(
         QStringLiteral("replace"), tr("Re&place This Atom…"), {QKeySequence(tr("Ctrl+Shift+R"))},
         tr("Puts an atom from a file in the selected one's place"), &MovieTab::replaceSelected);
-    QAction* remove =
-        addForTab(QStringLiteral("remove"), tr("Remo&ve This Atom"), {QKeySequence(tr("Ctrl+D"))},
-                  tr("Removes the selected atom"), &MovieTab::removeSelected);
-    remove->setIcon(theme::icon(QStringLiteral("remove")));
+    addForTab(QStringLiteral("remove"), tr("Remo&ve This Atom"), {QKeySequence(tr("Ctrl+D"))},
+              tr("Removes the selected atom"), &MovieTab::removeSelected)
+        ->setIcon(theme::icon(QStringLiteral("remove")));
     addForTab(QStringLiteral("export"), tr("&Export This Atom…"),
               {QKeySequence(tr("Ctrl+Shift+E"))},
               tr("Writes the selected atom's bytes into a file"), &MovieTab::exportSelected)
         ->setIcon(theme::icon(QStringLiteral("export")));
 
-    QAction* path =
-        add(QStringLiteral("copyPath"), tr("&Copy Path"), {QKeySequence(tr("Ctrl+Shift+C"))},
-            tr("Copies the selected atom's path, as the command vexqt takes it"));
-    path->setIcon(theme::icon(QStringLiteral("copy")));
-    connect(path, &QAction::triggered, this,
-            [this] { QApplication::clipboard()->setText(currentTab()->selectedPath()); });
-    QAction* command =
-        add(QStringLiteral("copyCommand"), tr("Copy as Co&mmand"), {QKeySequence(tr("Ctrl+Alt+C"))},
-            tr("Copies a command that shows the selected atom in a terminal"));
-    connect(command, &QAction::triggered, this,
-            [this] { QApplication::clipboard()->setText(currentTab()->selectionAsCommand()); });
-    tabActions_ << undo << redo << path << command;
+    addForTab(QStringLiteral("copyPath"), tr("&Copy Path"), {QKeySequence(tr("Ctrl+Shift+C"))},
+              tr("Copies the selected atom's path, as the command vexqt takes it"),
+              [](MovieTab& tab) { QApplication::clipboard()->setText(tab.selectedPath()); })
+        ->setIcon(theme::icon(QStringLiteral("copy")));
+    addForTab(QStringLiteral("copyCommand"), tr("Copy as Co&mmand"),
+              {QKeySequence(tr("Ctrl+Alt+C"))},
+              tr("Copies a command that shows the selected atom in a terminal"),
+              [](MovieTab& tab) { QApplication::clipboard()->setText(tab.selectionAsCommand()); });
 }
 
 void MainWindow::makeViewActions() {
@@ -218,15 +206,15 @@ void MainWindow::makeViewActions() {
 
     addForTab(QStringLiteral("goToRow"), tr("&Go to Row…"), {QKeySequence(tr("Ctrl+R"))},
               tr("Shows an entry of the table"), &MovieTab::askForRow);
-    QAction* copy =
-        add(QStringLiteral("copyRows"), tr("&Copy as CSV"), {QKeySequence(tr("Ctrl+Shift+T"))},
-            tr("Copies the selected cells of the table, fields parted by commas"));
-    connect(copy, &QAction::triggered, this, &MainWindow::copySelection);
+    addForTab(QStringLiteral("copyRows"), tr("&Copy as CSV"), {QKeySequence(tr("Ctrl+Shift+T"))},
+              tr("Copies the selected cells of the table, fields parted by commas"),
+              &MovieTab::copyRows);
     addForTab(
         QStringLiteral("exportTable"), tr("&Export as CSV…"), {QKeySequence(tr("Ctrl+Shift+X"))},
         tr("Writes the whole table into a file, fields parted by commas"), &MovieTab::exportTable);
-    tabActions_ << copy;
+}
 
+void MainWindow::makeColorActions() {
     auto* group = new QActionGroup(this);
     const auto addTheme = [&](const QString& name, const QString& text, theme::Choice choice) {
         QAction* action = add(name, text, {}, tr("Chooses the window's colours"));
@@ -325,11 +313,9 @@ MovieTab* MainWindow::currentTab() const { return qobject_cast<MovieTab*>(tabs_-
 int MainWindow::tabCount() const { return tabs_->count(); }
 
 void MainWindow::askForMovies() {
-    const MovieTab* tab = const_cast<MainWindow*>(this)->currentTab();
-    const QString folder =
-        tab != nullptr ? QFileInfo(const_cast<MovieTab*>(tab)->document().path()).absolutePath()
-        : !recent_.paths().isEmpty() ? QFileInfo(recent_.paths().front()).absolutePath()
-                                     : QString();
+    QString last = recent_.paths().value(0);
+    if (MovieTab* tab = currentTab()) last = tab->document().path();
+    const QString folder = last.isEmpty() ? QString() : QFileInfo(last).absolutePath();
     for (const QString& path :
          QFileDialog::getOpenFileNames(this, tr("Open Movies"), folder, movieFilter()))
         openMovie(path);
@@ -479,11 +465,6 @@ void MainWindow::showState() {
     enable("goToRow", hasEntries);
     enable("copyRows", table.view != nullptr);
     enable("exportTable", hasEntries);
-}
-
-void MainWindow::copySelection() {
-    const Table table = currentTab()->table();
-    if (table.view != nullptr) QApplication::clipboard()->setText(selectionAsCsv(*table.view));
 }
 
 void MainWindow::setTheme(theme::Choice choice) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
 
 #include "apps/inspector/RecentFiles.h"
 #include "apps/inspector/theme.h"
@@ -41,15 +42,17 @@ protected:
     void dropEvent(QDropEvent* event) override;
 
 private:
-    using TabAction = void (MovieTab::*)();
+    using TabAction = std::function<void(MovieTab&)>;
 
     QAction* add(const QString& name, const QString& text, const QList<QKeySequence>& shortcuts,
                  const QString& tip);
     QAction* addForTab(const QString& name, const QString& text,
-                       const QList<QKeySequence>& shortcuts, const QString& tip, TabAction act);
+                       const QList<QKeySequence>& shortcuts, const QString& tip,
+                       const TabAction& act);
     void makeFileActions();
     void makeEditActions();
     void makeViewActions();
+    void makeColorActions();
     void makeHelpActions();
     void makeMenus();
     void makeToolBar();
@@ -60,7 +63,6 @@ private:
     void showState();
     void showTab();
     void sayWhyNot(const QString& path, const QString& why);
-    void copySelection();
     void setTheme(theme::Choice choice);
     void showShortcuts();
     void showAbout();

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QBoxLayout>
+#include <QClipboard>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHeaderView>
@@ -41,6 +42,23 @@ QString shellWord(const QString& word) {
     return u'\'' + inner.replace(u'\'', QStringLiteral("'\\''")) + u'\'';
 }
 
+/// A part of a window: how much it grows with it, and how many pixels it has at first.
+struct Part {
+    QWidget* widget;
+    int stretch, size;
+};
+
+QSplitter* split(Qt::Orientation orientation, const Part& first, const Part& second) {
+    auto* splitter = new QSplitter(orientation);
+    for (const Part& part : {first, second}) {
+        splitter->addWidget(part.widget);
+        splitter->setStretchFactor(splitter->count() - 1, part.stretch);
+    }
+    splitter->setSizes({first.size, second.size});
+    splitter->setChildrenCollapsible(false);
+    return splitter;
+}
+
 ByteRange rangeOf(const VexQTAtom& atom) { return {atom.extent().start, atom.extent().length}; }
 
 }  // namespace
@@ -56,8 +74,10 @@ MovieTab::MovieTab(std::unique_ptr<Document> document, QWidget* parent)
       pathBar_(new PathBar),
       pane_(new AtomPane(*document_)),
       bytes_(new BytePane) {
-    build();
-    connectAll();
+    setUpTree();
+    arrange();
+    connectParts();
+    connectDocument();
     showRemarks();
     showFileState();
     tree_->expandToDepth(0);
@@ -77,7 +97,7 @@ MovieTab::~MovieTab() {
 
 // MARK: Making the window's parts
 
-void MovieTab::build() {
+void MovieTab::setUpTree() {
     filter_->setPlaceholderText(tr("Filter atoms by type or name"));
     filter_->setAccessibleName(tr("Filter atoms"));
     filter_->setClearButtonEnabled(true);
@@ -99,7 +119,9 @@ void MovieTab::build() {
     header.resizeSection(AtomTreeModel::TypeColumn, 18 * digit);
     header.resizeSection(AtomTreeModel::SizeColumn, 10 * digit);
     header.resizeSection(AtomTreeModel::OffsetColumn, 10 * digit);
+}
 
+void MovieTab::arrange() {
     auto* browser = new QWidget;
     auto* browserLayout = new QVBoxLayout(browser);
     browserLayout->setContentsMargins(6, 6, 0, 6);
@@ -117,37 +139,17 @@ void MovieTab::build() {
     topLayout->addLayout(bar);
     topLayout->addWidget(pane_, 1);
 
-    auto* right = new QSplitter(Qt::Vertical);
-    right->addWidget(top);
-    right->addWidget(bytes_);
-    right->setStretchFactor(0, 3);
-    right->setStretchFactor(1, 2);
-    right->setSizes({460, 240});
-    right->setChildrenCollapsible(false);
-
-    auto* whole = new QSplitter(Qt::Horizontal);
-    whole->addWidget(browser);
-    whole->addWidget(right);
-    whole->setStretchFactor(0, 0);
-    whole->setStretchFactor(1, 1);
-    whole->setSizes({480, 760});
-    whole->setChildrenCollapsible(false);
-
+    auto* right = split(Qt::Vertical, {top, 3, 460}, {bytes_, 2, 240});
+    auto* movie = split(Qt::Horizontal, {browser, 0, 480}, {right, 1, 760});
     messages_->setContentsMargins(0, 0, 0, 0);
     messages_->setSpacing(1);
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addLayout(messages_);
-    // What is wrong takes long sentences and long paths.
-    auto* withRemarks = new QSplitter(Qt::Vertical);
-    withRemarks->addWidget(whole);
-    withRemarks->addWidget(remarks_);
-    withRemarks->setStretchFactor(0, 1);
-    withRemarks->setStretchFactor(1, 0);
-    withRemarks->setSizes({650, 110});
-    withRemarks->setChildrenCollapsible(false);
-    layout->addWidget(withRemarks, 1);
+    // What is wrong takes long sentences and long paths: all of the width.
+    layout->addWidget(split(Qt::Vertical, {movie, 1, 650}, {remarks_, 0, 110}), 1);
+
     QWidget* before = filter_;
     for (QWidget* next :
          std::initializer_list<QWidget*>{tree_, remarks_, pathBar_, pane_, bytes_}) {
@@ -156,7 +158,7 @@ void MovieTab::build() {
     }
 }
 
-void MovieTab::connectAll() {
+void MovieTab::connectParts() {
     connect(filter_, &QLineEdit::textChanged, this, &MovieTab::applyFilter);
     connect(filter_, &QLineEdit::returnPressed, this, &MovieTab::enterTree);
     connect(tree_->selectionModel(), &QItemSelectionModel::currentChanged, this,
@@ -187,7 +189,9 @@ void MovieTab::connectAll() {
     });
     connect(&NotificationCenter::defaultCenter(), &NotificationCenter::posted, this,
             &MovieTab::followNotification);
+}
 
+void MovieTab::connectDocument() {
     Document& document = *document_;
     connect(&document, &Document::aboutToReadAgain, this, [this] {
         pathToKeep_ = selectedPath();
@@ -257,6 +261,10 @@ void MovieTab::dismiss(const QString& id) {
 }
 
 void MovieTab::say(theme::MessageKind kind, const QString& text) { addMessage(kind, text); }
+
+void MovieTab::sayOf(const QString& file, const QString& why) {
+    say(theme::MessageKind::Problem, tr("%1: %2").arg(file, why));
+}
 
 QStringList MovieTab::messages() const {
     QStringList texts;
@@ -436,6 +444,13 @@ void MovieTab::setBytesVisible(bool isVisible) { bytes_->setVisible(isVisible); 
 void MovieTab::expandAll() { tree_->expandAll(); }
 void MovieTab::collapseAll() { tree_->collapseAll(); }
 
+/// Beside the movie, named after it and the selected atom.
+QString MovieTab::exportPath(const QString& ending) const {
+    const QFileInfo file(document_->path());
+    return file.absolutePath() + u'/' + file.completeBaseName() + u'-' +
+           typeFor(*selectedAtom()).trimmed() + ending;
+}
+
 // MARK: Tables
 
 Table MovieTab::table() const { return tableIn(pane_->controller()); }
@@ -452,18 +467,20 @@ void MovieTab::askForRow() {
     if (isChosen) shown.goTo(static_cast<quint64>(row) - 1);
 }
 
+void MovieTab::copyRows() const {
+    const Table shown = table();
+    if (shown.view != nullptr) QApplication::clipboard()->setText(selectionAsCsv(*shown.view));
+}
+
 void MovieTab::exportTable() {
     const Table shown = table();
     if (shown.list() == nullptr) return;
-    const QFileInfo file(document_->path());
-    const QString proposed = file.absolutePath() + u'/' + file.completeBaseName() + u'-' +
-                             typeFor(*selectedAtom()).trimmed() + QStringLiteral(".csv");
-    const QString path = QFileDialog::getSaveFileName(this, tr("Export Table"), proposed,
-                                                      tr("Comma-separated values (*.csv)"));
+    const QString path =
+        QFileDialog::getSaveFileName(this, tr("Export Table"), exportPath(QStringLiteral(".csv")),
+                                     tr("Comma-separated values (*.csv)"));
     if (path.isEmpty()) return;
     QSaveFile out(path);
-    if (!out.open(QIODevice::WriteOnly))
-        return say(theme::MessageKind::Problem, tr("%1: %2").arg(path, out.errorString()));
+    if (!out.open(QIODevice::WriteOnly)) return sayOf(path, out.errorString());
     QProgressDialog progress(tr("Exporting the table"), tr("&Stop"), 0, 1000, this);
     progress.setWindowModality(Qt::WindowModal);
     const auto tell = [&](quint64 done, quint64 total) {
@@ -472,8 +489,7 @@ void MovieTab::exportTable() {
     };
     const Field& field = *selectedAtom()->propertyNamed(fromQString(shown.listName()));
     if (!writeCsv(*selectedAtom(), field, out, tell) || !out.commit()) {
-        if (!progress.wasCanceled())
-            say(theme::MessageKind::Problem, tr("%1: %2").arg(path, out.errorString()));
+        if (!progress.wasCanceled()) sayOf(path, out.errorString());
         return;
     }
     say(theme::MessageKind::Information,
@@ -488,13 +504,12 @@ std::unique_ptr<VexQTAtom> MovieTab::askForAtom(const QString& title, VexQTAtom*
     if (path.isEmpty()) return nullptr;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
-        say(theme::MessageKind::Problem, tr("%1: %2").arg(path, file.errorString()));
+        sayOf(path, file.errorString());
         return nullptr;
     }
     QString error;
     auto atom = Document::atomFrom(file.readAll(), holder, error);
-    if (!atom)
-        say(theme::MessageKind::Problem, tr("%1: %2").arg(QFileInfo(path).fileName(), error));
+    if (!atom) sayOf(QFileInfo(path).fileName(), error);
     return atom;
 }
 
@@ -534,7 +549,7 @@ bool MovieTab::exportMedia(const QString& path, const Extent& extent) {
     static constexpr qsizetype kBlock = 1 << 20;
     QSaveFile out(path);
     if (!out.open(QIODevice::WriteOnly)) {
-        say(theme::MessageKind::Problem, tr("%1: %2").arg(path, out.errorString()));
+        sayOf(path, out.errorString());
         return false;
     }
     QProgressDialog progress(tr("Exporting the atom"), tr("&Stop"), 0, 1000, this);
@@ -544,9 +559,7 @@ bool MovieTab::exportMedia(const QString& path, const Extent& extent) {
         const QByteArray block = document_->bytes().read(
             extent.start + done, static_cast<qsizetype>(std::min<quint64>(left, kBlock)));
         if (block.isEmpty() || out.write(block) != block.size()) {
-            say(theme::MessageKind::Problem,
-                tr("%1: %2").arg(
-                    path, block.isEmpty() ? tr("the movie could not be read") : out.errorString()));
+            sayOf(path, block.isEmpty() ? tr("the movie could not be read") : out.errorString());
             return false;
         }
         done += static_cast<quint64>(block.size());
@@ -555,33 +568,32 @@ bool MovieTab::exportMedia(const QString& path, const Extent& extent) {
         if (progress.wasCanceled()) return false;
     }
     if (out.commit()) return true;
-    say(theme::MessageKind::Problem, tr("%1: %2").arg(path, out.errorString()));
+    sayOf(path, out.errorString());
+    return false;
+}
+
+bool MovieTab::exportAtom(const QString& path, VexQTAtom& atom) {
+    const OSType type = atom.atomClass().type;
+    const bool isNeverRead = type == "mdat"_os || type == "free"_os;
+    if (isNeverRead) return exportMedia(path, atom.extent());
+    try {
+        const QByteArray bytes = Document::bytesOf(atom);
+        QSaveFile out(path);
+        if (out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size() && out.commit())
+            return true;
+        sayOf(path, out.errorString());
+    } catch (const Error& error) {
+        say(theme::MessageKind::Problem, toQString(error.what()));
+    }
     return false;
 }
 
 void MovieTab::exportSelected() {
     VexQTAtom* atom = selectedAtom();
     if (atom == nullptr) return;
-    const QFileInfo file(document_->path());
-    const QString proposed = file.absolutePath() + u'/' + file.completeBaseName() + u'-' +
-                             typeFor(*atom).trimmed() + QStringLiteral(".bin");
-    const QString path = QFileDialog::getSaveFileName(this, tr("Export the Atom"), proposed);
-    if (path.isEmpty()) return;
-    const OSType type = atom->atomClass().type;
-    const bool isNeverRead = type == "mdat"_os || type == "free"_os;
-    if (isNeverRead) {
-        if (!exportMedia(path, atom->extent())) return;
-    } else {
-        try {
-            const QByteArray bytes = Document::bytesOf(*atom);
-            QSaveFile out(path);
-            if (!out.open(QIODevice::WriteOnly) || out.write(bytes) != bytes.size() ||
-                !out.commit())
-                return say(theme::MessageKind::Problem, tr("%1: %2").arg(path, out.errorString()));
-        } catch (const Error& error) {
-            return say(theme::MessageKind::Problem, toQString(error.what()));
-        }
-    }
+    const QString path = QFileDialog::getSaveFileName(this, tr("Export the Atom"),
+                                                      exportPath(QStringLiteral(".bin")));
+    if (path.isEmpty() || !exportAtom(path, *atom)) return;
     say(theme::MessageKind::Information,
         tr("%1 is exported to %2.").arg(selectedPath(), QFileInfo(path).fileName()));
 }
@@ -619,9 +631,14 @@ void MovieTab::readAgain() {
             QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
         if (answer != QMessageBox::Yes) return;
     }
+    reload();
+}
+
+bool MovieTab::reload() {
     QString error;
-    if (!document_->readAgain(error))
-        say(theme::MessageKind::Problem, tr("%1 cannot be read: %2").arg(document_->name(), error));
+    if (document_->readAgain(error)) return true;
+    say(theme::MessageKind::Problem, tr("%1 cannot be read: %2").arg(document_->name(), error));
+    return false;
 }
 
 void MovieTab::recoverMovie() {
@@ -636,10 +653,7 @@ void MovieTab::recoverMovie() {
     const bool isDone = result.outcome == Recovery::RolledBack ||
                         result.outcome == Recovery::Discarded ||
                         result.outcome == Recovery::NothingToDo;
-    QString error;
-    if (isDone && !document_->readAgain(error))
-        return say(theme::MessageKind::Problem,
-                   tr("%1 cannot be read: %2").arg(document_->name(), error));
+    if (isDone && !reload()) return;
     say(isDone ? theme::MessageKind::Information : theme::MessageKind::Problem,
         toQString(result.text));
 }
@@ -651,10 +665,7 @@ void MovieTab::takeBackLastSave() {
     const UndoResult result = document_->takeBackLastSave();
     const bool isDone = result.outcome == UndoResult::Outcome::Undone ||
                         result.outcome == UndoResult::Outcome::AlreadyUndone;
-    QString error;
-    if (isDone && !document_->readAgain(error))
-        return say(theme::MessageKind::Problem,
-                   tr("%1 cannot be read: %2").arg(document_->name(), error));
+    if (isDone && !reload()) return;
     say(isDone ? theme::MessageKind::Information : theme::MessageKind::Warning,
         toQString(result.text));
 }

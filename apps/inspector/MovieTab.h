@@ -10,7 +10,6 @@
 #include "apps/inspector/table_tools.h"
 
 class QLineEdit;
-class QSplitter;
 class QTreeView;
 class QVBoxLayout;
 
@@ -53,6 +52,7 @@ public:
     /// The table in the selected atom's view; its view is null for none.
     Table table() const;
     void askForRow();
+    void copyRows() const;
     void exportTable();
 
     void insertIntoSelected();
@@ -88,9 +88,13 @@ signals:
     void openRequested(const QString& path);
 
 private:
-    void build();
-    void connectAll();
+    void setUpTree();
+    void arrange();
+    void connectParts();
+    void connectDocument();
     MessageBar* addMessage(theme::MessageKind kind, const QString& text, const QString& id = {});
+    /// What is wrong with a file that is not the movie.
+    void sayOf(const QString& file, const QString& why);
     void finishTyping();
     void dismiss(const QString& id);
     void showSelected();
@@ -104,7 +108,11 @@ private:
     void applyFilter();
     std::unique_ptr<VexQTAtom> askForAtom(const QString& title, VexQTAtom* holder);
     QString startOfCommand() const;
+    QString exportPath(const QString& ending) const;
+    // These say why where they return false.
     bool exportMedia(const QString& path, const Extent& extent);
+    bool exportAtom(const QString& path, VexQTAtom& atom);
+    bool reload();
 
     std::unique_ptr<Document> document_;
     Saving saving_;

@@ -38,9 +38,13 @@ private:
 
 }  // namespace
 
-std::optional<SavePlan> Saving::plan() {
+template <class Work>
+auto Saving::attempt(Work&& work) -> std::optional<decltype(work())> {
     try {
-        return document_.plan();
+        return work();
+    } catch (const Stopped&) {
+        emit said(theme::MessageKind::Information,
+                  tr("The save was stopped; %1 is as it was.").arg(document_.name()));
     } catch (const Error& error) {
         emit said(theme::MessageKind::Problem,
                   tr("%1 cannot be saved: %2").arg(document_.name(), toQString(error.what())));
@@ -48,6 +52,10 @@ std::optional<SavePlan> Saving::plan() {
         emit said(theme::MessageKind::Problem, tr("There is not enough memory to save this."));
     }
     return std::nullopt;
+}
+
+std::optional<SavePlan> Saving::plan() {
+    return attempt([this] { return document_.plan(); });
 }
 
 void Saving::check() {
@@ -110,18 +118,7 @@ std::optional<SaveResult> Saving::run(const QString& title, bool isForced, Save&
     options.progress = [&progress](std::uint64_t done, std::uint64_t total) {
         progress(done, total);
     };
-    try {
-        return save(options);
-    } catch (const Stopped&) {
-        emit said(theme::MessageKind::Information,
-                  tr("The save was stopped; %1 is as it was.").arg(document_.name()));
-    } catch (const Error& error) {
-        emit said(theme::MessageKind::Problem,
-                  tr("%1 cannot be saved: %2").arg(document_.name(), toQString(error.what())));
-    } catch (const std::bad_alloc&) {
-        emit said(theme::MessageKind::Problem, tr("There is not enough memory to save this."));
-    }
-    return std::nullopt;
+    return attempt([&] { return save(options); });
 }
 
 bool Saving::saveInPlace(bool isForced) {

@@ -28,6 +28,9 @@ signals:
     void copySaved(const QString& path);
 
 private:
+    /// Says what stops the work; absent then.
+    template <class Work>
+    auto attempt(Work&& work) -> std::optional<decltype(work())>;
     std::optional<SavePlan> plan();
     bool saveInPlace(bool isForced);
     bool saveCopyTo(const QString& path, bool isForced);

@@ -10,30 +10,21 @@ namespace vexqt::inspector_app::theme {
 
 namespace {
 
-struct Colors {
-    QRgb window, base, alternate, text, dim, button, edge, accent, accentText, link;
+/// A color of the program.
+struct Tone {
+    QRgb onLight, onDark;
 };
 
-constexpr Colors kLight = {.window = 0xFFF4F5F7,
-                           .base = 0xFFFFFFFF,
-                           .alternate = 0xFFF7F8FA,
-                           .text = 0xFF1C2330,
-                           .dim = 0xFF616B7A,
-                           .button = 0xFFFBFBFC,
-                           .edge = 0xFFC9CED6,
-                           .accent = 0xFF1F63C6,
-                           .accentText = 0xFFFFFFFF,
-                           .link = 0xFF1A56AE};
-constexpr Colors kDark = {.window = 0xFF20242B,
-                          .base = 0xFF171A1F,
-                          .alternate = 0xFF1C2026,
-                          .text = 0xFFE4E8EE,
-                          .dim = 0xFF98A3B3,
-                          .button = 0xFF2B313A,
-                          .edge = 0xFF414A57,
-                          .accent = 0xFF2F6FD0,
-                          .accentText = 0xFFFFFFFF,
-                          .link = 0xFF7FB2FF};
+constexpr Tone kWindow = {0xFFF4F5F7, 0xFF20242B};
+constexpr Tone kBase = {0xFFFFFFFF, 0xFF171A1F};
+constexpr Tone kAlternate = {0xFFF7F8FA, 0xFF1C2026};
+constexpr Tone kText = {0xFF1C2330, 0xFFE4E8EE};
+constexpr Tone kDim = {0xFF616B7A, 0xFF98A3B3};
+constexpr Tone kButton = {0xFFFBFBFC, 0xFF2B313A};
+constexpr Tone kEdge = {0xFFC9CED6, 0xFF414A57};
+constexpr Tone kAccent = {0xFF1F63C6, 0xFF2F6FD0};
+constexpr Tone kAccentText = {0xFFFFFFFF, 0xFFFFFFFF};
+constexpr Tone kLink = {0xFF1A56AE, 0xFF7FB2FF};
 
 QColor mixed(const QColor& one, const QColor& other, double share) {
     const auto part = [share](int a, int b) { return qRound(a + (b - a) * share); };
@@ -41,38 +32,39 @@ QColor mixed(const QColor& one, const QColor& other, double share) {
             part(one.blue(), other.blue())};
 }
 
-QPalette paletteFrom(const Colors& colors) {
+QPalette paletteOf(QRgb Tone::*shade) {
     QPalette palette;
-    const auto set = [&](QPalette::ColorRole role, QRgb color) {
-        palette.setColor(role, QColor::fromRgb(color));
+    const auto color = [shade](const Tone& tone) { return QColor::fromRgb(tone.*shade); };
+    const auto set = [&](QPalette::ColorRole role, const Tone& tone) {
+        palette.setColor(role, color(tone));
     };
-    set(QPalette::Window, colors.window);
-    set(QPalette::WindowText, colors.text);
-    set(QPalette::Base, colors.base);
-    set(QPalette::AlternateBase, colors.alternate);
-    set(QPalette::Text, colors.text);
-    set(QPalette::Button, colors.button);
-    set(QPalette::ButtonText, colors.text);
-    set(QPalette::BrightText, colors.accentText);
-    set(QPalette::ToolTipBase, colors.base);
-    set(QPalette::ToolTipText, colors.text);
-    set(QPalette::PlaceholderText, colors.dim);
-    set(QPalette::Highlight, colors.accent);
-    set(QPalette::HighlightedText, colors.accentText);
-    set(QPalette::Link, colors.link);
-    set(QPalette::LinkVisited, colors.link);
-    set(QPalette::Mid, colors.edge);
-    set(QPalette::Midlight, colors.edge);
-    set(QPalette::Dark, colors.edge);
-    palette.setColor(QPalette::Light, QColor::fromRgb(colors.button).lighter(108));
-    palette.setColor(QPalette::Shadow, QColor::fromRgb(colors.window).darker(180));
+    set(QPalette::Window, kWindow);
+    set(QPalette::WindowText, kText);
+    set(QPalette::Base, kBase);
+    set(QPalette::AlternateBase, kAlternate);
+    set(QPalette::Text, kText);
+    set(QPalette::Button, kButton);
+    set(QPalette::ButtonText, kText);
+    set(QPalette::BrightText, kAccentText);
+    set(QPalette::ToolTipBase, kBase);
+    set(QPalette::ToolTipText, kText);
+    set(QPalette::PlaceholderText, kDim);
+    set(QPalette::Highlight, kAccent);
+    set(QPalette::HighlightedText, kAccentText);
+    set(QPalette::Link, kLink);
+    set(QPalette::LinkVisited, kLink);
+    set(QPalette::Mid, kEdge);
+    set(QPalette::Midlight, kEdge);
+    set(QPalette::Dark, kEdge);
+    palette.setColor(QPalette::Light, color(kButton).lighter(108));
+    palette.setColor(QPalette::Shadow, color(kWindow).darker(180));
 
-    const QColor faint = mixed(QColor::fromRgb(colors.text), QColor::fromRgb(colors.window), 0.5);
+    const QColor faint = mixed(color(kText), color(kWindow), 0.5);
     for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
         palette.setColor(QPalette::Disabled, role, faint);
-    palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor::fromRgb(colors.edge));
-    palette.setColor(QPalette::Disabled, QPalette::HighlightedText, QColor::fromRgb(colors.text));
-    palette.setColor(QPalette::Disabled, QPalette::Base, QColor::fromRgb(colors.window));
+    palette.setColor(QPalette::Disabled, QPalette::Highlight, color(kEdge));
+    palette.setColor(QPalette::Disabled, QPalette::HighlightedText, color(kText));
+    palette.setColor(QPalette::Disabled, QPalette::Base, color(kWindow));
     return palette;
 }
 
@@ -87,8 +79,8 @@ double luminance(const QColor& color) {
 
 }  // namespace
 
-QPalette light() { return paletteFrom(kLight); }
-QPalette dark() { return paletteFrom(kDark); }
+QPalette light() { return paletteOf(&Tone::onLight); }
+QPalette dark() { return paletteOf(&Tone::onDark); }
 
 bool isDark(const QPalette& palette) {
     return palette.color(QPalette::Window).lightness() <

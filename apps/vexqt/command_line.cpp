@@ -24,22 +24,22 @@ struct Operands {
 enum class Files { None, One, Several };
 enum class Saves { No, Edited, Exactly };
 
+void noOptions(CLI::App&, Arguments&) {}
+
 struct CommandDescription {
     std::string_view name;
     std::string_view does;
     std::string_view examples;
     Files files;
-    Operands operands;
-    Saves saves;
+    Operands operands = {};
+    Saves saves = Saves::No;
     Command* run;
     /// Adds what no other command has.
-    void (*addOptions)(CLI::App& app, Arguments& arguments);
+    void (*addOptions)(CLI::App& app, Arguments& arguments) = noOptions;
     std::string_view more = {};  ///< What the help ends with.
 };
 
 constexpr std::size_t kAny = std::numeric_limits<std::uint16_t>::max();
-
-void noOptions(CLI::App&, Arguments&) {}
 
 void addEveryRow(CLI::App& app, Arguments& arguments) {
     app.add_flag("--all", arguments.everyRow, "every row of tables, every byte, every letter");
@@ -67,10 +67,7 @@ constexpr CommandDescription kCommands[] = {
      .examples = "  vexqt outline clip.mov\n"
                  "  curl -s https://example.com/clip.mov | vexqt outline -\n",
      .files = Files::Several,
-     .operands = {},
-     .saves = Saves::No,
-     .run = outline,
-     .addOptions = noOptions},
+     .run = outline},
     {.name = "json",
      .does = "prints the whole decoded tree as JSON, one document a file",
      .examples = "  vexqt json clip.mov\n"
@@ -78,8 +75,6 @@ constexpr CommandDescription kCommands[] = {
                  "  find . -name '*.mov' -print0 | vexqt json --lines --files-from - --null "
                  "--jobs 4\n",
      .files = Files::Several,
-     .operands = {},
-     .saves = Saves::No,
      .run = json,
      .addOptions =
          [](CLI::App& app, Arguments& arguments) {
@@ -93,7 +88,6 @@ constexpr CommandDescription kCommands[] = {
                  "  vexqt show clip.mov 'moov.trak[soun].mdia.minf.stbl.stts' --all\n",
      .files = Files::One,
      .operands = {"PATH", "the atom; without it, what is in the file", 0, 1},
-     .saves = Saves::No,
      .run = show,
      .addOptions = addEveryRow},
     {.name = "get",
@@ -104,9 +98,7 @@ constexpr CommandDescription kCommands[] = {
                  ".sampleCount'\n",
      .files = Files::One,
      .operands = {"PATH.KEY", "the value", 1, 1},
-     .saves = Saves::No,
-     .run = get,
-     .addOptions = noOptions},
+     .run = get},
     {.name = "set",
      .does = "sets values, then saves",
      .examples =
@@ -142,8 +134,7 @@ constexpr CommandDescription kCommands[] = {
      .files = Files::One,
      .operands = {"PATH", "an atom to remove", 1, kAny},
      .saves = Saves::Edited,
-     .run = remove,
-     .addOptions = noOptions},
+     .run = remove},
     {.name = "insert",
      .does = "adds an atom from a file to a container, then saves",
      .examples = "  vexqt data donor.mov moov.udta -o udta.bin\n"
@@ -172,8 +163,7 @@ constexpr CommandDescription kCommands[] = {
                   "1 without COUNT; and what is in them (=VALUE for plain numbers)",
                   1, kAny},
      .saves = Saves::Edited,
-     .run = insertRows,
-     .addOptions = noOptions},
+     .run = insertRows},
     {.name = "remove-rows",
      .does = "removes rows of a table, then saves",
      .examples = "  vexqt remove-rows clip.mov 'moov.trak.edts.elst.editListEntries[0]' "
@@ -181,8 +171,7 @@ constexpr CommandDescription kCommands[] = {
      .files = Files::One,
      .operands = {"PATH.LIST[ROW] [COUNT]", "the first row, and how many, 1 without COUNT", 1, 2},
      .saves = Saves::Edited,
-     .run = removeRows,
-     .addOptions = noOptions},
+     .run = removeRows},
     {.name = "set-key",
      .does = "sets texts of keyed metadata and adds keys that are missing, then saves",
      .examples = "  vexqt set-key clip.mov moov.meta com.example.title='First light' --in-place\n"
@@ -192,23 +181,20 @@ constexpr CommandDescription kCommands[] = {
                   "the 'meta' atom, made where it is missing, and keys with their new texts", 2,
                   kAny},
      .saves = Saves::Edited,
-     .run = setKey,
-     .addOptions = noOptions},
+     .run = setKey},
     {.name = "remove-key",
      .does = "removes keys of keyed metadata with their items, then saves",
      .examples = "  vexqt remove-key clip.mov moov.meta com.example.location.ISO6709 --in-place\n",
      .files = Files::One,
      .operands = {"PATH KEY…", "the 'meta' atom, and the keys", 2, kAny},
      .saves = Saves::Edited,
-     .run = removeKey,
-     .addOptions = noOptions},
+     .run = removeKey},
     {.name = "data",
      .does = "writes the bytes of an atom, or of all but media data and free space",
      .examples = "  vexqt data clip.mov moov.udta -o udta.bin\n"
                  "  vexqt data clip.mov moov.trak.tkhd | xxd\n",
      .files = Files::One,
      .operands = {"PATH", "the atom; without it, all of them", 0, 1},
-     .saves = Saves::No,
      .run = data,
      .addOptions =
          [](CLI::App& app, Arguments& arguments) {
@@ -218,10 +204,8 @@ constexpr CommandDescription kCommands[] = {
      .does = "rewrites the movie in place without an edit",
      .examples = "  vexqt save clip.mov\n",
      .files = Files::One,
-     .operands = {},
      .saves = Saves::Exactly,
      .run = save,
-     .addOptions = noOptions,
      .more =
          "It writes what the movie's classes write, as --exact does, which is not always what was "
          "there: vexqt check tells what it would change."},
@@ -230,8 +214,6 @@ constexpr CommandDescription kCommands[] = {
      .examples = "  vexqt check clip.mov\n"
                  "  vexqt check --json *.mov | jq -r '.exact.findings[].id' | sort | uniq -c\n",
      .files = Files::Several,
-     .operands = {},
-     .saves = Saves::No,
      .run = check,
      .addOptions =
          [](CLI::App& app, Arguments& arguments) {
@@ -244,10 +226,7 @@ constexpr CommandDescription kCommands[] = {
      .does = "takes the last save in place back, and with the next call the one before",
      .examples = "  vexqt undo clip.mov\n",
      .files = Files::One,
-     .operands = {},
-     .saves = Saves::No,
      .run = undo,
-     .addOptions = noOptions,
      .more =
          "The file is then byte for byte what it was, if nobody has written to it since that save. "
          "Records lie in $XDG_STATE_HOME/vexqt/undo, else in ~/.local/state/vexqt/undo, for 30 "
@@ -259,7 +238,6 @@ constexpr CommandDescription kCommands[] = {
                  "  vexqt properties --json | jq -r '.classes[].class'\n",
      .files = Files::None,
      .operands = {"CLASS", "a class such as VexQTmvhdAtom, or a type; without it, all", 0, 1},
-     .saves = Saves::No,
      .run = properties,
      .addOptions =
          [](CLI::App& app, Arguments& arguments) {
@@ -269,8 +247,6 @@ constexpr CommandDescription kCommands[] = {
      .does = "ends a save that was interrupted: the movie is what it was before",
      .examples = "  vexqt recover clip.mov\n",
      .files = Files::One,
-     .operands = {},
-     .saves = Saves::No,
      .run = recover,
      .addOptions =
          [](CLI::App& app, Arguments& arguments) {
@@ -481,6 +457,21 @@ void unmask(std::vector<std::string>& words) {
         if (word.starts_with(std::string{kMask, '['})) word.erase(0, 1);
 }
 
+/// Tells files and operands apart.
+void splitWords(Request& request) {
+    Arguments& arguments = request.arguments;
+    const CommandDescription& command = *request.command;
+    std::vector<std::string>& words = request.words;
+    unmask(words);
+    unmask(arguments.absent);
+    const bool takesSeveral = command.files == Files::Several || arguments.settings;
+    const std::size_t most = takesSeveral ? words.size() : command.files == Files::None ? 0 : 1;
+    const std::size_t files = std::min(most, words.size());
+    const auto operands = words.begin() + static_cast<std::ptrdiff_t>(files);
+    arguments.files.assign(words.begin(), operands);
+    arguments.operands.assign(operands, words.end());
+}
+
 /// What is wrong with the options that are for several files; empty for nothing.
 std::string mistakeInSeveral(const Arguments& arguments, const CommandDescription& command) {
     if (command.run == set && !arguments.settings) {
@@ -494,22 +485,10 @@ std::string mistakeInSeveral(const Arguments& arguments, const CommandDescriptio
     return {};
 }
 
-/// Tells files and operands apart, and says what is wrong with them; empty for nothing.
-std::string mistakeIn(Request& request) {
-    Arguments& arguments = request.arguments;
-    const CommandDescription& command = *request.command;
-    std::vector<std::string>& words = request.words;
-    unmask(words);
-    unmask(arguments.absent);
-    const bool takesFiles = command.files != Files::None;
-    const bool takesSeveral = command.files == Files::Several || arguments.settings;
-    if (words.empty() && takesFiles && !arguments.filesFrom) return "FILE is missing";
-    const std::size_t most = takesSeveral ? words.size() : takesFiles ? 1 : 0;
-    const std::size_t files = std::min(most, words.size());
-    const auto operands = words.begin() + static_cast<std::ptrdiff_t>(files);
-    arguments.files.assign(words.begin(), operands);
-    arguments.operands.assign(operands, words.end());
-
+/// What is wrong with files, operands and options; empty for nothing.
+std::string mistakeIn(const Arguments& arguments, const CommandDescription& command) {
+    if (command.files != Files::None && arguments.files.empty() && !arguments.filesFrom)
+        return "FILE is missing";
     if (const std::string mistake = mistakeInSeveral(arguments, command); !mistake.empty())
         return mistake;
     const std::string wanted = operandsUsage(command).erase(0, 1);
@@ -605,7 +584,8 @@ ExitStatus parseAndRun(const std::vector<std::string>& words, Console& console) 
         if (command != nullptr) what += nearOption(words, *app.get_subcommand(words.front()));
         return wrongUsage(console, what, command);
     }
-    const std::string mistake = mistakeIn(request);
+    splitWords(request);
+    const std::string mistake = mistakeIn(request.arguments, *request.command);
     if (!mistake.empty()) return wrongUsage(console, mistake, request.command);
     console.hasColors = hasColors(request, console.out);
     return request.command->run(request.arguments, console);

@@ -15,38 +15,6 @@ namespace {
 /// is added.
 constexpr std::uint64_t kVersion = 1;
 
-std::string_view typeOf(const Field& field) {
-    if (field.display == Display::Code) return "code";
-    switch (field.kind) {
-        case ValueKind::Boolean:
-            return "boolean";
-        case ValueKind::Unsigned:
-            return "unsigned";
-        case ValueKind::Signed:
-            return "signed";
-        case ValueKind::Floating:
-            return "floating";
-        case ValueKind::Text:
-            return "text";
-        case ValueKind::Instant:
-            return "date";
-        case ValueKind::Data:
-            return "bytes";
-        case ValueKind::Transformation:
-            return "matrix";
-        case ValueKind::Color:
-            return "color";
-        case ValueKind::Number:
-            return "number";
-        case ValueKind::Picture:
-            return "picture";
-        case ValueKind::List:
-        case ValueKind::None:
-            break;
-    }
-    return "table";
-}
-
 bool isList(const Field& field) { return field.list != nullptr; }
 
 bool isPlainList(const ListAccess& list) {
@@ -100,7 +68,7 @@ void writeMembers(JsonWriter& json, const Field& field) {
         json.key(key);
         json.text(value);
     };
-    text("type", typeOf(field));
+    text("type", typeName(field));
     if (const std::size_t bits = bitsOf(field)) {
         json.key("bits");
         json.number(std::uint64_t{bits});
@@ -165,7 +133,7 @@ void writeJson(Output& out, const std::vector<Described>& classes) {
 
 void print(Output& out, const Field& field, const std::string& name) {
     static constexpr std::size_t kNameColumns = 36, kTypeColumns = 18;
-    std::string type(typeOf(field));
+    std::string type(typeName(field));
     if (const std::size_t bits = bitsOf(field)) type += fmt::format(", {} bits", bits);
     std::string notes(field.unit);
     const auto note = [&](std::string_view more) {

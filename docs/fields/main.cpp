@@ -7,41 +7,14 @@
 namespace vexqt {
 namespace {
 
-std::string kindOf(const Field& field) {
-    switch (field.kind) {
-        case ValueKind::None:
-            return "";
-        case ValueKind::Boolean:
-            return "boolean";
-        case ValueKind::Unsigned:
-            if (field.display == Display::Code) return "four-character code";
-            return std::to_string(field.bits) + " bits unsigned";
-        case ValueKind::Signed:
-            return std::to_string(field.bits) + " bits signed";
-        case ValueKind::Floating:
-            return "number";
-        case ValueKind::Text:
-            return "text";
-        case ValueKind::Instant:
-            return "date";
-        case ValueKind::Data:
-            return "bytes";
-        case ValueKind::Transformation:
-            return "matrix";
-        case ValueKind::Color:
-            return "colour";
-        case ValueKind::Number:
-            return "tagged number";
-        case ValueKind::Picture:
-            return "picture";
-        case ValueKind::List:
-            return "list";
-    }
-    return "";
+std::string typeOf(const Field& field) {
+    std::string type(typeName(field));
+    const bool isInteger = type == "unsigned" || type == "signed";
+    return isInteger ? std::to_string(field.bits) + " bits " + type : type;
 }
 
 std::string described(const Field& field) {
-    std::string text = kindOf(field);
+    std::string text = typeOf(field);
     if (!field.unit.empty()) text += ", " + std::string(field.unit);
     if (field.isOptional) text += ", may be absent";
     if (field.list != nullptr) {

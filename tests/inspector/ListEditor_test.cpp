@@ -120,6 +120,7 @@ private slots:
         QVERIFY(!model().setData(model().index(0, 1), "mdtas"));
         QCOMPARE(refusals.size(), 3);
         QCOMPARE(refusals[0][0], "keys[0].index");
+        QCOMPARE(refusals[0][1], u"“one” is no whole number."_qs);
         QCOMPARE(keys_.keys()[0].index(), 1);
         QCOMPARE(keys_.keys()[0].nameSpace(), "mdta"_os);
         QVERIFY(!handler_.edit.redo);
@@ -131,6 +132,8 @@ private slots:
         QCOMPARE(keys_.keys()[0].index(), -5);
         QVERIFY(model().setData(model().index(0, 0), " 0x10 "));
         QCOMPARE(keys_.keys()[0].index(), 16);
+        QVERIFY(model().setData(model().index(0, 0), "010"));
+        QCOMPARE(keys_.keys()[0].index(), 10);
     }
 
     void aRowIsInsertedBehindTheCurrentOne() {

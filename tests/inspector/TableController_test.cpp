@@ -43,6 +43,20 @@ static QStringList row(const TableController& controller, const QStringList& col
     return cells;
 }
 
+/// Nine sync samples, from 11 on.
+struct NineInAGrid {
+    explicit NineInAGrid(const FormFolder& forms) : controller("Grid", forms.path(), &stss) {
+        stss.setSyncSamples(numbersFrom(11, 9));
+    }
+    QAbstractItemModel& model() {
+        controller.view();
+        return *controller.table()->model();
+    }
+
+    VexQTstssAtom stss;
+    VexQTstssAtomViewController controller;
+};
+
 /// Writes down what the default centre posts.
 class Listener {
 public:
@@ -82,9 +96,8 @@ private slots:
     // MARK: Grids
 
     void nineEntriesFillThreeRowsOfAGrid() {
-        VexQTstssAtom stss;
-        stss.setSyncSamples(numbersFrom(11, 9));
-        const VexQTstssAtomViewController controller("Grid", forms_.path(), &stss);
+        const NineInAGrid grid(forms_);
+        const TableController& controller = grid.controller;
         QCOMPARE(controller.numberOfRowsInTableView(nullptr), 3);
         QCOMPARE(row(controller, kGrid, 0), QStringList({"11", "12", "13", "14"}));
         QCOMPARE(row(controller, kGrid, 1), QStringList({"15", "16", "17", "18"}));
@@ -92,9 +105,8 @@ private slots:
     }
 
     void cellsOutsideOfAGridAreEmpty() {
-        VexQTstssAtom stss;
-        stss.setSyncSamples(numbersFrom(11, 9));
-        const VexQTstssAtomViewController controller("Grid", forms_.path(), &stss);
+        const NineInAGrid grid(forms_);
+        const TableController& controller = grid.controller;
         QVERIFY(!controller.objectValueForTableColumn(nullptr, "1", 2).isValid());
         QVERIFY(!controller.objectValueForTableColumn(nullptr, "0", 3).isValid());
         QVERIFY(!controller.objectValueForTableColumn(nullptr, "3", -1).isValid());
@@ -106,9 +118,8 @@ private slots:
     }
 
     void aGridTakesTheColumnFromItsIdentifierNotItsPosition() {
-        VexQTstssAtom stss;
-        stss.setSyncSamples(numbersFrom(11, 9));
-        const VexQTstssAtomViewController controller("Grid", forms_.path(), &stss);
+        const NineInAGrid grid(forms_);
+        const TableController& controller = grid.controller;
         QCOMPARE(row(controller, {"3", "0"}, 1), QStringList({"18", "15"}));
     }
 
@@ -397,11 +408,8 @@ private slots:
     }
 
     void rowsOfAGridAreNumberedByTheirFirstEntry() {
-        VexQTstssAtom stss;
-        stss.setSyncSamples(numbersFrom(11, 9));
-        VexQTstssAtomViewController controller("Grid", forms_.path(), &stss);
-        controller.view();
-        QAbstractItemModel& model = *controller.table()->model();
+        NineInAGrid grid(forms_);
+        QAbstractItemModel& model = grid.model();
         const QAbstractItemModelTester tester(&model);
         QCOMPARE(model.headerData(2, Qt::Vertical), "9");
         QCOMPARE(model.index(2, 0).data(), "19");
@@ -433,19 +441,16 @@ private slots:
     }
 
     void aListThatGrewOrShrankIsShownAfterARefresh() {
-        VexQTstssAtom stss;
-        stss.setSyncSamples(numbersFrom(11, 9));
-        VexQTstssAtomViewController controller("Grid", forms_.path(), &stss);
-        controller.view();
-        QAbstractItemModel& model = *controller.table()->model();
+        NineInAGrid grid(forms_);
+        QAbstractItemModel& model = grid.model();
         const QAbstractItemModelTester tester(&model);
-        stss.syncSamples().resize(2);
+        grid.stss.syncSamples().resize(2);
         QVERIFY(!model.index(2, 0).data().isValid());
-        controller.refresh();
+        grid.controller.refresh();
         QCOMPARE(model.rowCount(), 1);
         const QSignalSpy changes(&model, &QAbstractItemModel::dataChanged);
-        stss.syncSamples()[1] = 77;
-        controller.refresh();
+        grid.stss.syncSamples()[1] = 77;
+        grid.controller.refresh();
         QCOMPARE(changes.size(), 1);
         QCOMPARE(model.index(0, 1).data(), "77");
     }

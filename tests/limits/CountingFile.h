@@ -8,7 +8,7 @@
 namespace vexqt::testing {
 
 /// The first bytes of a file and the last; between them lie zeros that nobody has to keep.
-class CountingFile final : public File {
+class CountingFile final : public ReadOnlyFile {
 public:
     CountingFile(Bytes first, std::uint64_t between, Bytes last)
         : first_(std::move(first)), between_(between), last_(std::move(last)) {}
@@ -27,19 +27,11 @@ public:
         error.clear();
         return {.size = length(), .isRegular = true};
     }
-    void writeAt(std::uint64_t, ByteView, std::error_code& error) override { refuse(error); }
-    void truncate(std::uint64_t, std::error_code& error) override { refuse(error); }
-    void flush(std::error_code& error) override { refuse(error); }
-    void setModified(std::int64_t, std::int64_t, std::error_code& error) override { refuse(error); }
-    void lock(std::error_code& error) override { refuse(error); }
 
     std::uint64_t bytesRead() const { return bytesRead_; }
     std::uint64_t reads() const { return reads_; }
 
 private:
-    static void refuse(std::error_code& error) {
-        error = std::make_error_code(std::errc::bad_file_descriptor);
-    }
     std::uint64_t length() const { return first_.size() + between_ + last_.size(); }
     std::uint8_t byteAt(std::uint64_t offset) const {
         if (offset < first_.size()) return first_[static_cast<std::size_t>(offset)];

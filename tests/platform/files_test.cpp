@@ -538,6 +538,23 @@ TEST_F(SystemFiles, ACopyThatDoesNotFitLeavesNothing) {
     EXPECT_FALSE(systemFiles().exists(path("b"), error));
 }
 
+TEST(ReadOnlyFile, RefusesWhatWouldChangeOrLockIt) {
+    class : public ReadOnlyFile {
+        std::size_t readAt(std::uint64_t, std::span<std::uint8_t>, std::error_code&) override {
+            return 0;
+        }
+        FileIdentity identity(std::error_code&) override { return {}; }
+    } file;
+    std::error_code writing, cutting, flushing, dating, locking;
+    file.writeAt(0, Bytes{1}, writing);
+    file.truncate(0, cutting);
+    file.flush(flushing);
+    file.setModified(0, 0, dating);
+    file.lock(locking);
+    for (const std::error_code& each : {writing, cutting, flushing, dating, locking})
+        EXPECT_EQ(each, std::errc::bad_file_descriptor);
+}
+
 TEST(MemoryFileSystem, TellsWhatItHolds) {
     MemoryFileSystem files;
     files.put("/b", {1, 2});

@@ -42,26 +42,55 @@ std::vector<Case> changes() {
 
 using Fault = FaultyFileSystem::Fault;
 
-/// Calls with every fault that some work can meet.
-void forEachFault(const std::function<void(FaultyFileSystem&)>& work,
-                  const std::function<FaultyFileSystem&()>& fresh,
-                  const std::function<void(const Fault&)>& tryIt) {
-    FaultyFileSystem& files = fresh();
-    files.setFault(std::nullopt);
-    work(files);
-    const std::size_t count = files.operations.size();
-    std::vector<std::error_code> errors = {{}};
-    for (const int number : {EIO, ENOSPC, EINTR, EROFS, EDQUOT})
-        errors.emplace_back(number, std::generic_category());
-    for (const std::error_code& error : errors)
-        for (std::size_t first = 0; first < count; ++first)
-            for (const bool forGood : {false, true})
-                for (const bool doesHalf : {false, true}) tryIt({error, first, forGood, doesHalf});
+/// A disk in memory that fails.
+class FaultyDisk {
+public:
+    /// Begins anew, with one file.
+    FaultyFileSystem& fresh(const fs::path& path, const Bytes& bytes) {
+        memory.emplace();
+        memory->put(path, bytes);
+        return faulty.emplace(*memory);
+    }
+
+    std::optional<MemoryFileSystem> memory;
+    std::optional<FaultyFileSystem> faulty;
+};
+
+std::string described(const Fault& fault, const FaultyFileSystem& files) {
+    return files.operations[fault.first] + " " + std::to_string(fault.first) + " " +
+           (fault.error ? fault.error.message() : "short read") +
+           (fault.forGood ? " for good" : " once") + (fault.doesHalf ? ", half of it" : "");
 }
 
 std::size_t faults = 0;
 /// The operations that have failed, so that none is left out.
 std::set<std::string> failed;
+
+/// Sets the fault when its operations begin to count; none, to see how many there are.
+using Work = std::function<void(FaultyFileSystem&, const std::optional<Fault>&)>;
+
+/// Does some work with every fault that it can meet, and calls after each.
+void forEachFault(const std::function<FaultyFileSystem&()>& fresh, const Work& work,
+                  const std::function<void(const Fault&, const FaultyFileSystem&)>& check) {
+    FaultyFileSystem& whole = fresh();
+    work(whole, std::nullopt);
+    const std::size_t count = whole.operations.size();
+    std::vector<std::error_code> errors = {{}};
+    for (const int number : {EIO, ENOSPC, EINTR, EROFS, EDQUOT})
+        errors.emplace_back(number, std::generic_category());
+    const auto tryIt = [&](const Fault& fault) {
+        FaultyFileSystem& files = fresh();
+        work(files, fault);
+        ASSERT_GT(files.operations.size(), fault.first);
+        ++faults;
+        SCOPED_TRACE(described(fault, files));
+        check(fault, files);
+    };
+    for (const std::error_code& error : errors)
+        for (std::size_t first = 0; first < count; ++first)
+            for (const bool forGood : {false, true})
+                for (const bool doesHalf : {false, true}) tryIt({error, first, forGood, doesHalf});
+}
 
 TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
     const Bytes old = someBytes(2000);
@@ -69,16 +98,13 @@ TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
     failed.clear();
     for (const auto& [what, change] : changes()) {
         const Bytes saved = changed(old, change);
-        std::optional<MemoryFileSystem> memory;
-        std::optional<FaultyFileSystem> faulty;
+        FaultyDisk disk;
+        auto& memory = disk.memory;
         std::optional<SaveFailure> failure;
         std::vector<std::string> notes;
-        const auto fresh = [&]() -> FaultyFileSystem& {
-            memory.emplace();
-            memory->put(kMovie, old);
-            return faulty.emplace(*memory);
-        };
-        const auto save = [&](FaultyFileSystem& files) {
+        const auto fresh = [&]() -> FaultyFileSystem& { return disk.fresh(kMovie, old); };
+        const auto save = [&](FaultyFileSystem& files, const std::optional<Fault>& fault) {
+            files.setFault(fault);
             std::error_code error;
             const FileIdentity read = *memory->identityOf(kMovie, error);
             FileTransaction transaction(files);
@@ -86,21 +112,14 @@ TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
             if (!failure) failure = transaction.apply(change);
             notes = transaction.notes();
         };
-        forEachFault(save, fresh, [&](const Fault& fault) {
-            FaultyFileSystem& files = fresh();
-            files.setFault(fault);
-            save(files);
-            if (fault.first >= files.operations.size()) return;
-            ++faults;
+        forEachFault(fresh, save, [&](const Fault& fault, const FaultyFileSystem& files) {
             const std::string operation = files.operations[fault.first];
             if (!fault.error && operation != "read" && !fault.forGood) {
                 EXPECT_FALSE(failure);
                 return;
             }
             failed.insert(operation);
-            SCOPED_TRACE(std::string(what) + ": " + operation + " " + std::to_string(fault.first) +
-                         " " + fault.error.message() + (fault.forGood ? " for good" : " once") +
-                         (failure ? "; " + failure->what : ""));
+            SCOPED_TRACE(std::string(what) + (failure ? ": " + failure->what : ""));
             const bool isLeft = memory->paths().contains(kJournal);
             if (!failure) {
                 // What is done when the new movie has been written and nothing can be lost.
@@ -159,31 +178,22 @@ TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
 TEST(Fault, OfARollbackLeavesTheJournal) {
     const Bytes old = someBytes(2000);
     const FileChange change = changeOf(2000, 2600, {{20, 4}, {1900, 700}});
-    std::optional<MemoryFileSystem> memory;
-    std::optional<FaultyFileSystem> faulty;
+    FaultyDisk disk;
+    auto& memory = disk.memory;
     std::optional<SaveFailure> failure;
-    const auto fresh = [&]() -> FaultyFileSystem& {
-        memory.emplace();
-        memory->put(kMovie, old);
-        return faulty.emplace(*memory);
-    };
-    std::optional<Fault> nextFault;
-    const auto save = [&](FaultyFileSystem& files) {
+    const auto fresh = [&]() -> FaultyFileSystem& { return disk.fresh(kMovie, old); };
+    const auto save = [&](FaultyFileSystem& files, const std::optional<Fault>& fault) {
         std::error_code error;
         FileTransaction transaction(files);
         failure = transaction.open(kMovie, *memory->identityOf(kMovie, error));
         if (failure) return;
         failure = transaction.apply(change, {.progress = {}, .verify = [&](File&) {
-                                                 files.setFault(nextFault);
+                                                 files.setFault(fault);
                                                  return false;
                                              }});
     };
     std::size_t rollbacksFailed = 0;
-    forEachFault(save, fresh, [&](const Fault& fault) {
-        FaultyFileSystem& files = fresh();
-        nextFault = fault;
-        save(files);
-        nextFault.reset();
+    forEachFault(fresh, save, [&](const Fault& fault, const FaultyFileSystem&) {
         ASSERT_TRUE(failure);
         SCOPED_TRACE(failure->what);
         if (failure->reason == Reason::RollBackFailed) {
@@ -224,21 +234,19 @@ TEST(Fault, OfARecoveryIsReportedAndItCanBeDoneAgain) {
                                                         return true;
                                                     }}));
         }
-        std::optional<MemoryFileSystem> memory;
-        std::optional<FaultyFileSystem> faulty;
+        FaultyDisk disk;
+        auto& memory = disk.memory;
         RecoveryResult result;
         const auto fresh = [&]() -> FaultyFileSystem& {
-            memory.emplace();
-            memory->put(kMovie, source.bytes(kMovie));
+            FaultyFileSystem& files = disk.fresh(kMovie, source.bytes(kMovie));
             memory->put(kJournal, journal);
-            return faulty.emplace(*memory);
+            return files;
         };
-        const auto work = [&](FaultyFileSystem& files) { result = recover(files, kMovie); };
-        forEachFault(work, fresh, [&](const Fault& fault) {
-            FaultyFileSystem& files = fresh();
+        const auto work = [&](FaultyFileSystem& files, const std::optional<Fault>& fault) {
             files.setFault(fault);
-            work(files);
-            ++faults;
+            result = recover(files, kMovie);
+        };
+        forEachFault(fresh, work, [&](const Fault& fault, const FaultyFileSystem&) {
             SCOPED_TRACE(result.text);
             if (result.outcome == Recovery::Failed) {
                 ASSERT_TRUE(result.failure);
@@ -264,29 +272,19 @@ TEST(Fault, OfARecordIsANote) {
     faults = 0;
     for (const auto& [what, change] : changes()) {
         const Bytes saved = changed(old, change);
-        std::optional<MemoryFileSystem> memory;
-        std::optional<FaultyFileSystem> faulty;
+        FaultyDisk disk;
+        auto& memory = disk.memory;
         std::optional<std::string> note;
-        std::optional<Fault> nextFault;
-        const auto fresh = [&]() -> FaultyFileSystem& {
-            memory.emplace();
-            memory->put(kMovie, old);
-            return faulty.emplace(*memory);
-        };
-        const auto work = [&](FaultyFileSystem& files) {
+        const auto fresh = [&]() -> FaultyFileSystem& { return disk.fresh(kMovie, old); };
+        const auto work = [&](FaultyFileSystem& files, const std::optional<Fault>& fault) {
             std::error_code error;
             FileTransaction transaction(files);
             ASSERT_FALSE(transaction.open(kMovie, *memory->identityOf(kMovie, error)));
             ASSERT_FALSE(transaction.apply(change));
-            files.setFault(nextFault);
+            files.setFault(fault);
             note = UndoStore(files, kStore).keep(transaction);
         };
-        forEachFault(work, fresh, [&](const Fault& fault) {
-            FaultyFileSystem& files = fresh();
-            nextFault = fault;
-            work(files);
-            if (fault.first >= files.operations.size()) return;
-            ++faults;
+        forEachFault(fresh, work, [&](const Fault& fault, const FaultyFileSystem&) {
             SCOPED_TRACE(note.value_or("kept"));
             EXPECT_TRUE(memory->bytes(kMovie) == saved);
             if (note) {
@@ -308,27 +306,23 @@ TEST(Fault, OfAnUndoIsReportedAndItCanBeDoneAgain) {
     const Bytes old = someBytes(2000);
     faults = 0;
     for (const auto& [what, change] : changes()) {
-        std::optional<MemoryFileSystem> memory;
-        std::optional<FaultyFileSystem> faulty;
+        FaultyDisk disk;
+        auto& memory = disk.memory;
         UndoResult result;
         const auto fresh = [&]() -> FaultyFileSystem& {
-            memory.emplace();
-            memory->put(kMovie, old);
+            FaultyFileSystem& files = disk.fresh(kMovie, old);
             std::error_code error;
             FileTransaction transaction(*memory);
             EXPECT_FALSE(transaction.open(kMovie, *memory->identityOf(kMovie, error)));
             EXPECT_FALSE(transaction.apply(change));
             EXPECT_EQ(UndoStore(*memory, kStore).keep(transaction), std::nullopt);
-            return faulty.emplace(*memory);
+            return files;
         };
-        const auto work = [&](FaultyFileSystem& files) {
+        const auto work = [&](FaultyFileSystem& files, const std::optional<Fault>& fault) {
+            files.setFault(fault);
             result = undo(files, UndoStore(files, kStore), kMovie);
         };
-        forEachFault(work, fresh, [&](const Fault& fault) {
-            FaultyFileSystem& files = fresh();
-            files.setFault(fault);
-            work(files);
-            ++faults;
+        forEachFault(fresh, work, [&](const Fault& fault, const FaultyFileSystem&) {
             SCOPED_TRACE(std::string(what) + ": " + result.text);
             if (result.outcome == UndoResult::Outcome::Failed) {
                 EXPECT_TRUE(result.failure);
@@ -426,21 +420,20 @@ std::vector<SaveCase> saveCases() {
     };
 }
 
-/// A disk in memory with a movie that was read from it and edited.
-class EditedMovie {
+/// A disk with a movie that was read from it and edited.
+class EditedMovie : public FaultyDisk {
 public:
     EditedMovie() { writeFile(path, movieHeaderOnly()); }
 
     FaultyFileSystem& fresh(const SaveCase& test) {
-        memory.emplace();
-        memory->put(path, test.movie);
+        FaultyFileSystem& files = FaultyDisk::fresh(path, test.movie);
         std::error_code error;
         // The path of the asset comes from a file that has the same on the real disk.
         asset = VexQTAsset::initWithURL(path, error);
         asset->readMainAtomsWithFileHandle(*memory->openForReading(path, error),
                                            {.tolerant = true});
         test.edit(*asset);
-        return faulty.emplace(*memory);
+        return files;
     }
     const Bytes& bytes() const { return memory->bytes(path); }
     /// All but the movie.
@@ -452,8 +445,6 @@ public:
 
     TemporaryFolder folder;
     const fs::path path = fs::canonical(folder.path()) / "a.mov";
-    std::optional<MemoryFileSystem> memory;
-    std::optional<FaultyFileSystem> faulty;
     std::unique_ptr<VexQTAsset> asset;
 
 private:
@@ -472,12 +463,6 @@ void expectOneLineThatSaysWhat(const SaveFailure& failure) {
     EXPECT_TRUE(namesRange || namesFile) << failure.what;
 }
 
-std::string described(const Fault& fault, const FaultyFileSystem& files) {
-    return files.operations[fault.first] + " " + std::to_string(fault.first) + " " +
-           (fault.error ? fault.error.message() : "short read") +
-           (fault.forGood ? " for good" : " once") + (fault.doesHalf ? ", half of it" : "");
-}
-
 TEST(Fault, OfSavingInPlaceLeavesTheOldMovieAndNothingBesideIt) {
     EditedMovie movie;
     faults = 0;
@@ -486,25 +471,20 @@ TEST(Fault, OfSavingInPlaceLeavesTheOldMovieAndNothingBesideIt) {
     for (const SaveCase& test : saveCases()) {
         SaveResult result;
         const auto fresh = [&]() -> FaultyFileSystem& { return movie.fresh(test); };
-        const auto save = [&](FaultyFileSystem& files) {
+        const auto save = [&](FaultyFileSystem& files, const std::optional<Fault>& fault) {
+            files.setFault(fault);
             UndoStore store(files, kStore);
             result = saveInPlace(*movie.asset, {.form = test.form, .force = true, .undo = &store},
                                  files);
         };
-        save(fresh());
+        save(fresh(), std::nullopt);
         ASSERT_EQ(result.outcome, SaveResult::Outcome::Saved) << test.what;
         ASSERT_EQ(result.plan.way(), test.way) << test.what;
         const Bytes saved = movie.bytes();
         ASSERT_NE(saved, test.movie);
 
-        forEachFault(save, fresh, [&](const Fault& fault) {
-            FaultyFileSystem& files = fresh();
-            files.setFault(fault);
-            save(files);
-            if (fault.first >= files.operations.size()) return;
-            ++faults;
-            SCOPED_TRACE(std::string(test.what) + ": " + described(fault, files) +
-                         (result.failure ? "; " + result.failure->what : ""));
+        forEachFault(fresh, save, [&](const Fault& fault, const FaultyFileSystem& files) {
+            SCOPED_TRACE(test.what + (result.failure ? ": " + result.failure->what : ""));
             if (result.outcome == SaveResult::Outcome::Saved) {
                 ++saves;
                 EXPECT_TRUE(movie.bytes() == saved);
@@ -563,24 +543,19 @@ TEST(Fault, OfSavingACopyLeavesTheMovieAndWhatHadTheNameOfTheCopy) {
                 movie.memory->put(copy, there);
                 return files;
             };
-            const auto save = [&](FaultyFileSystem& files) {
+            const auto save = [&](FaultyFileSystem& files, const std::optional<Fault>& fault) {
+                files.setFault(fault);
                 const SaveOptions options = {.form = test.form, .force = true};
                 result = isFromMemory ? saveCopy(*movie.asset, test.movie, copy, options, files)
                                       : saveCopy(*movie.asset, copy, options, files);
             };
-            save(fresh());
+            save(fresh(), std::nullopt);
             ASSERT_EQ(result.outcome, SaveResult::Outcome::Saved) << test.what;
             const Bytes saved = movie.memory->bytes(copy);
             ASSERT_NE(saved, test.movie);
 
-            forEachFault(save, fresh, [&](const Fault& fault) {
-                FaultyFileSystem& files = fresh();
-                files.setFault(fault);
-                save(files);
-                if (fault.first >= files.operations.size()) return;
-                ++faults;
-                SCOPED_TRACE(std::string(test.what) + ": " + described(fault, files) +
-                             (result.failure ? "; " + result.failure->what : ""));
+            forEachFault(fresh, save, [&](const Fault& fault, const FaultyFileSystem& files) {
+                SCOPED_TRACE(test.what + (result.failure ? ": " + result.failure->what : ""));
                 EXPECT_TRUE(movie.bytes() == test.movie);
                 if (!fault.forGood) {
                     EXPECT_EQ(movie.others(), std::set<fs::path>{copy});
@@ -638,24 +613,18 @@ TEST(Copy, PassesOverWhatAKilledProcessOfTheSameNumberHasLeft) {
 TEST(Fault, OfWritingAWholeFileLeavesWhatHadItsName) {
     const fs::path path = "/texts/a.json";
     const Bytes old = someBytes(300), bytes = someBytes(900, 1);
-    std::optional<MemoryFileSystem> memory;
-    std::optional<FaultyFileSystem> faulty;
+    FaultyDisk disk;
+    auto& memory = disk.memory;
     std::optional<SaveFailure> failure;
-    const auto fresh = [&]() -> FaultyFileSystem& {
-        memory.emplace();
-        memory->put(path, old);
-        return faulty.emplace(*memory);
+    const auto fresh = [&]() -> FaultyFileSystem& { return disk.fresh(path, old); };
+    const auto write = [&](FaultyFileSystem& files, const std::optional<Fault>& fault) {
+        files.setFault(fault);
+        failure = writeWhole(path, bytes, files);
     };
-    const auto write = [&](FaultyFileSystem& files) { failure = writeWhole(path, bytes, files); };
-    write(fresh());
+    write(fresh(), std::nullopt);
     ASSERT_FALSE(failure);
     EXPECT_EQ(memory->bytes(path), bytes);
-    forEachFault(write, fresh, [&](const Fault& fault) {
-        FaultyFileSystem& files = fresh();
-        files.setFault(fault);
-        write(files);
-        if (fault.first >= files.operations.size()) return;
-        SCOPED_TRACE(described(fault, files));
+    forEachFault(fresh, write, [&](const Fault& fault, const FaultyFileSystem&) {
         EXPECT_TRUE(memory->bytes(path) == (failure ? old : bytes));
         if (!fault.forGood) {
             EXPECT_EQ(memory->paths(), std::set<fs::path>{path});

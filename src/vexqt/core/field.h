@@ -134,6 +134,10 @@ struct Field {
     }
 };
 
+/// What a property holds in a word for people and programs, such as "unsigned", "code" or "date";
+/// empty for bytes that are no property.
+VEXQT_EXPORT std::string_view typeName(const Field& field);
+
 /// How many bytes the rows of a fixed layout take up.
 constexpr std::size_t wireWidth(std::span<const Field> fields) {
     std::size_t width = 0;

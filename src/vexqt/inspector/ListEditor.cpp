@@ -15,12 +15,12 @@ namespace vexqt {
 ListActions::ListActions(InspectorTableView& view, ListTableModel& model)
     : QObject(&view), view_(view), model_(model) {
     addAction(QStringLiteral("insertRow"), tr("Insert"), Qt::Key_Insert, &ListActions::insert);
-    addAction(QStringLiteral("removeRows"), tr("Remove"), QKeySequence::Delete,
-              &ListActions::remove);
-    addAction(QStringLiteral("moveRowUp"), tr("Move Up"), Qt::ALT | Qt::Key_Up,
-              &ListActions::moveUp);
-    addAction(QStringLiteral("moveRowDown"), tr("Move Down"), Qt::ALT | Qt::Key_Down,
-              &ListActions::moveDown);
+    remove_ = addAction(QStringLiteral("removeRows"), tr("Remove"), QKeySequence::Delete,
+                        &ListActions::remove);
+    moveUp_ = addAction(QStringLiteral("moveRowUp"), tr("Move Up"), Qt::ALT | Qt::Key_Up,
+                        &ListActions::moveUp);
+    moveDown_ = addAction(QStringLiteral("moveRowDown"), tr("Move Down"), Qt::ALT | Qt::Key_Down,
+                          &ListActions::moveDown);
     view_.setContextMenuPolicy(Qt::ActionsContextMenu);
     connect(view_.selectionModel(), &QItemSelectionModel::currentChanged, this,
             &ListActions::updateEnabled);
@@ -74,9 +74,9 @@ void ListActions::makeCurrent(int row, int column) {
 
 void ListActions::updateEnabled() {
     const QModelIndex current = view_.currentIndex();
-    actions_[1]->setEnabled(current.isValid());
-    actions_[2]->setEnabled(current.isValid() && current.row() > 0);
-    actions_[3]->setEnabled(current.isValid() && current.row() + 1 < model_.rowCount());
+    remove_->setEnabled(current.isValid());
+    moveUp_->setEnabled(current.isValid() && current.row() > 0);
+    moveDown_->setEnabled(current.isValid() && current.row() + 1 < model_.rowCount());
 }
 
 // MARK: Table and buttons

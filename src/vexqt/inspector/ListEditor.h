@@ -36,6 +36,7 @@ private:
     InspectorTableView& view_;
     ListTableModel& model_;
     QList<QAction*> actions_;
+    QAction *remove_ = nullptr, *moveUp_ = nullptr, *moveDown_ = nullptr;
 };
 
 /// Shows and edits a list property: a table, and buttons that insert, remove and move its rows.

@@ -1,11 +1,11 @@
 #include "vexqt/inspector/ListTableModel.h"
 
 #include <algorithm>
-#include <limits>
 
 #include "vexqt/inspector/ValueFormatter.h"
 #include "vexqt/inspector/VexQTAtomViewController.h"
 #include "vexqt/inspector/qt_value.h"
+#include "vexqt/inspector/widgets/FieldText.h"
 
 namespace vexqt {
 
@@ -55,35 +55,15 @@ void putRows(const ListAccess& list, VexQTAtom& atom, std::size_t row,
                 list.setCell(atom, row + i, column, rows[i][column]);
 }
 
-/// Absent for a text that is no number, or one that the column has no room for.
-std::optional<Value> integerFromText(const Field& column, const QString& text) {
-    bool isNumber = false;
-    if (column.kind == ValueKind::Signed) {
-        const qlonglong number = text.toLongLong(&isNumber, 0);
-        const int unused = 64 - column.bits;
-        const bool fits = isNumber && number << unused >> unused == number;
-        return fits ? std::optional<Value>(std::int64_t{number}) : std::nullopt;
-    }
-    const qulonglong number = text.toULongLong(&isNumber, 0);
-    const bool fits =
-        isNumber && number <= std::numeric_limits<std::uint64_t>::max() >> (64 - column.bits);
-    return fits ? std::optional<Value>(std::uint64_t{number}) : std::nullopt;
-}
-
-std::optional<Value> valueFromText(const Field& column, const ValueFormatter* formatter,
-                                   QString text) {
-    if (formatter != nullptr) {
-        text.replace(QChar(u'\u2400'), QChar(u'\0'));
-        Value value;
-        if (!formatter->getObjectValue(value, fromQString(text), nullptr)) return std::nullopt;
-        return value;
-    }
-    if (column.kind == ValueKind::Text) return Value(fromQString(text));
-    if (column.kind == ValueKind::Unsigned || column.kind == ValueKind::Signed)
-        return integerFromText(column, text.trimmed());
-    bool isNumber = false;
-    const double number = text.toDouble(&isNumber);
-    return isNumber ? std::optional<Value>(number) : std::nullopt;
+/// How a cell of a column stands as text.
+FieldText textOf(const Field& column, const ValueFormatter* formatter) {
+    if (formatter != nullptr) return FieldText(*formatter);
+    const bool isInteger = column.kind == ValueKind::Unsigned || column.kind == ValueKind::Signed;
+    FieldText text(column.kind == ValueKind::Text ? FieldText::Form::Plain
+                   : isInteger                    ? FieldText::Form::Decimal
+                                                  : FieldText::Form::Floating);
+    text.configure(column);
+    return text;
 }
 
 }  // namespace
@@ -131,18 +111,20 @@ bool ListTableModel::setData(const QModelIndex& index, const QVariant& value, in
         QStringLiteral("%1[%2].%3").arg(toQString(property_.name)).arg(row).arg(shown.identifier);
 
     if (value.toString() == data(index, Qt::EditRole).toString()) return true;
-    const auto after = valueFromText(list_.columns[position], shown.formatter, value.toString());
-    if (!after) {
-        emit controller_.editRefused(key,
-                                     tr("“%1” is no value of this column.").arg(value.toString()));
+    QString why;
+    const auto named =
+        textOf(list_.columns[position], shown.formatter).valueOf(value.toString(), why);
+    if (!named) {
+        emit controller_.editRefused(key, why);
         return false;
     }
     const Value before = list_.cell(atom_, row, position);
+    const Value after = fromVariant(*named);
     const auto set = [&atom = atom_, &list = list_, row, position](const Value& to) {
         list.setCell(atom, row, position, to);
     };
     return controller_.performEdit({.text = tr("Change %1").arg(shown.title.toLower()),
-                                    .redo = [set, after] { set(*after); },
+                                    .redo = [set, after] { set(after); },
                                     .undo = [set, before] { set(before); },
                                     .atom = &atom_,
                                     .key = key});

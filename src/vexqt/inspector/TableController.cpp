@@ -26,6 +26,10 @@ qsizetype TableController::count() const {
     return entries != nullptr ? static_cast<qsizetype>(entries->size(*atom())) : 0;
 }
 
+qsizetype TableController::numberOfRowsInTableView(const InspectorTableView*) const {
+    return count();
+}
+
 void TableController::awakeFromNib() {
     table_ = view()->findChild<InspectorTableView*>(QStringLiteral("table"));
     if (!table_) return;
@@ -62,10 +66,6 @@ QVariant GridTableController::objectValueForTableColumn(const InspectorTableView
 }
 
 // MARK: One entry a row
-
-qsizetype RowTableController::numberOfRowsInTableView(const InspectorTableView*) const {
-    return count();
-}
 
 static QVariant shown(const Value& value, const Field& column) {
     const auto number = integerFrom(value);

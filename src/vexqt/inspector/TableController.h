@@ -28,7 +28,7 @@ public:
 
     // What a table view's model asks.
 
-    virtual qsizetype numberOfRowsInTableView(const InspectorTableView* tableView) const = 0;
+    virtual qsizetype numberOfRowsInTableView(const InspectorTableView* tableView) const;
     /// Invalid for an empty cell: a row behind the last, or a column that is not known.
     virtual QVariant objectValueForTableColumn(const InspectorTableView* tableView,
                                                const QString& column, qsizetype row) const = 0;
@@ -72,7 +72,6 @@ class RowTableController : public TableController {
     Q_OBJECT
 
 public:
-    qsizetype numberOfRowsInTableView(const InspectorTableView* tableView) const override;
     /// Integers as unsigned numbers of 32 bits, or of 16 where they have no more: -1 shows as
     /// 4294967295. Fractions are cut off.
     QVariant objectValueForTableColumn(const InspectorTableView* tableView, const QString& column,

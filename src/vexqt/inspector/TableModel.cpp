@@ -6,6 +6,7 @@
 
 #include "vexqt/inspector/ValueFormatter.h"
 #include "vexqt/inspector/qt_value.h"
+#include "vexqt/inspector/widgets/FieldText.h"
 
 namespace vexqt {
 
@@ -34,13 +35,6 @@ std::vector<TableColumn> tableColumns(const QObject& described, const QString& c
     return columns;
 }
 
-/// A zero byte of a code shows as a symbol that can be seen.
-static QString formattedText(const ValueFormatter& formatter, const QVariant& value) {
-    constexpr QChar kSymbolForNull(u'\u2400');
-    return toQString(formatter.stringForObjectValue(fromVariant(value)))
-        .replace(QChar(u'\0'), kSymbolForNull);
-}
-
 TableModel::TableModel(std::vector<TableColumn> columns, int entriesPerRow, QObject* parent)
     : QAbstractTableModel(parent), columns_(std::move(columns)), entriesPerRow_(entriesPerRow) {}
 
@@ -63,7 +57,7 @@ QVariant TableModel::data(const QModelIndex& index, int role) const {
         return QVariant((isNumber(value) ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
     if (!value.isValid()) return {};
     if (const ValueFormatter* formatter = column(index.column()).formatter)
-        return formattedText(*formatter, value);
+        return FieldText(*formatter).textFor(value);
     // Views group the digits of numbers as the locale does; texts they leave alone.
     return role == Qt::DisplayRole ? value.toString() : value;
 }

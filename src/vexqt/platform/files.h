@@ -73,6 +73,21 @@ public:
     std::uint64_t size(std::error_code& error) { return identity(error).size; }
 };
 
+/// A file that is there to be looked at: what would change or lock it is bad_file_descriptor.
+class VEXQT_EXPORT ReadOnlyFile : public File {
+public:
+    void writeAt(std::uint64_t, ByteView, std::error_code& error) final { refuse(error); }
+    void truncate(std::uint64_t, std::error_code& error) final { refuse(error); }
+    void flush(std::error_code& error) final { refuse(error); }
+    void setModified(std::int64_t, std::int64_t, std::error_code& error) final { refuse(error); }
+    void lock(std::error_code& error) final { refuse(error); }
+
+private:
+    static void refuse(std::error_code& error) {
+        error = std::make_error_code(std::errc::bad_file_descriptor);
+    }
+};
+
 /// What becomes of a file that has the name already.
 enum class IfExists { Replace, Refuse };
 

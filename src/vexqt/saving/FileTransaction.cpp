@@ -46,7 +46,7 @@ private:
 };
 
 /// The file as it will be when a few bytes of it are other ones.
-class FileWith final : public File {
+class FileWith final : public ReadOnlyFile {
 public:
     FileWith(const FileWrite& patch, File& file) : patch_(patch), file_(file) {}
 
@@ -63,18 +63,7 @@ public:
     }
     FileIdentity identity(std::error_code& error) override { return file_.identity(error); }
 
-    // It is there to be looked at.
-    void writeAt(std::uint64_t, ByteView, std::error_code& error) override { refuse(error); }
-    void truncate(std::uint64_t, std::error_code& error) override { refuse(error); }
-    void flush(std::error_code& error) override { refuse(error); }
-    void lock(std::error_code& error) override { refuse(error); }
-    void setModified(std::int64_t, std::int64_t, std::error_code& error) override { refuse(error); }
-
 private:
-    static void refuse(std::error_code& error) {
-        error = std::make_error_code(std::errc::bad_file_descriptor);
-    }
-
     const FileWrite& patch_;
     File& file_;
 };

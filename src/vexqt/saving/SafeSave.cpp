@@ -10,7 +10,7 @@ namespace vexqt {
 namespace {
 
 /// Bytes in memory in the place of the file that a movie was read from.
-class BytesAsFile final : public File {
+class BytesAsFile final : public ReadOnlyFile {
 public:
     explicit BytesAsFile(ByteView bytes) : bytes_(bytes) {}
 
@@ -28,18 +28,7 @@ public:
         return {.size = bytes_.size(), .isRegular = true};
     }
 
-    // It is there to be looked at.
-    void writeAt(std::uint64_t, ByteView, std::error_code& error) override { refuse(error); }
-    void truncate(std::uint64_t, std::error_code& error) override { refuse(error); }
-    void flush(std::error_code& error) override { refuse(error); }
-    void lock(std::error_code& error) override { refuse(error); }
-    void setModified(std::int64_t, std::int64_t, std::error_code& error) override { refuse(error); }
-
 private:
-    static void refuse(std::error_code& error) {
-        error = std::make_error_code(std::errc::bad_file_descriptor);
-    }
-
     ByteView bytes_;
 };
 

@@ -31,6 +31,18 @@ class BytesTest : public QObject {
 private:
     MovieFolder folder_;
 
+    template <class View>
+    static void show(View& view, ByteSource& source) {
+        view.resize(700, 300);
+        view.show();
+        view.setSource(&source);
+    }
+    static void typeOffset(BytePane& pane, const QString& typed) {
+        auto* field = pane.findChild<QLineEdit*>();
+        field->setText(typed);
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+
 private slots:
     void initTestCase() { prepare(*qApp, false); }
 
@@ -51,9 +63,7 @@ private slots:
         QCOMPARE(source->read(place + 998, 100).size(), 2);
 
         HexView view;
-        view.resize(700, 300);
-        view.show();
-        view.setSource(source.get());
+        show(view, *source);
         view.goTo(place);
         QCOMPARE(view.cursor(), place);
         const quint64 row = place / static_cast<quint64>(view.bytesPerRow());
@@ -67,9 +77,7 @@ private slots:
     void scrollsThrough300GBAndReadsWhatIsSeen() {
         LongSource source;
         HexView view;
-        view.resize(700, 300);
-        view.show();
-        view.setSource(&source);
+        show(view, source);
         QTest::qWait(10);
         view.verticalScrollBar()->setValue(view.verticalScrollBar()->maximum());
         QTest::qWait(10);
@@ -87,9 +95,7 @@ private slots:
     void aStepOfTheWheelIsThreeRowsHoweverLongTheFile() {
         LongSource source;
         HexView view;
-        view.resize(700, 300);
-        view.show();
-        view.setSource(&source);
+        show(view, source);
         view.goTo(200'000'000'000);
         const quint64 before = view.firstVisibleRow();
         QWheelEvent turn({10, 10}, view.mapToGlobal(QPointF(10, 10)), {}, {0, -120}, Qt::NoButton,
@@ -101,9 +107,7 @@ private slots:
     void keysMoveTheCursorByByteRowPageAndFile() {
         LongSource source;
         HexView view;
-        view.resize(700, 300);
-        view.show();
-        view.setSource(&source);
+        show(view, source);
         const auto width = static_cast<quint64>(view.bytesPerRow());
         QTest::keyClick(&view, Qt::Key_Right);
         QCOMPARE(view.cursor(), 1);
@@ -128,9 +132,7 @@ private slots:
     void shiftSelectsAndCopyCopies() {
         MemoryBytes source(SharedBytes::copyOf(testing::text("ABCD\n")));
         HexView view;
-        view.resize(700, 300);
-        view.show();
-        view.setSource(&source);
+        show(view, source);
         QTest::keyClick(&view, Qt::Key_Right, Qt::ShiftModifier);
         QTest::keyClick(&view, Qt::Key_Right, Qt::ShiftModifier);
         QCOMPARE(view.selection(), (ByteRange{0, 3}));
@@ -143,9 +145,7 @@ private slots:
     void aClickGoesToTheByteUnderIt() {
         MemoryBytes source(SharedBytes::copyOf(testing::zeros(100)));
         HexView view;
-        view.resize(700, 300);
-        view.show();
-        view.setSource(&source);
+        show(view, source);
         QSignalSpy moved(&view, &HexView::cursorMoved);
         std::optional<quint64> there;
         for (int x = 0; x < 700; x += 3) {
@@ -190,12 +190,8 @@ private slots:
         QLocale::setDefault(QLocale(QLocale::English));
         LongSource source;
         BytePane pane;
-        pane.resize(700, 300);
-        pane.show();
-        pane.setSource(&source);
-        auto* field = pane.findChild<QLineEdit*>();
-        field->setText(typed);
-        QTest::keyClick(field, Qt::Key_Return);
+        show(pane, source);
+        typeOffset(pane, typed);
         QCOMPARE(pane.hex().cursor(), 2748);
     }
 
@@ -204,9 +200,7 @@ private slots:
         BytePane pane;
         pane.setSource(&source);
         pane.hex().goTo(5);
-        auto* field = pane.findChild<QLineEdit*>();
-        field->setText("12z");
-        QTest::keyClick(field, Qt::Key_Return);
+        typeOffset(pane, "12z");
         QCOMPARE(pane.hex().cursor(), 5);
     }
 

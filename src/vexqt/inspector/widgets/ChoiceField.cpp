@@ -1,7 +1,6 @@
 #include "vexqt/inspector/widgets/ChoiceField.h"
 
 #include <QKeyEvent>
-#include <QLineEdit>
 #include <QWheelEvent>
 
 namespace vexqt {
@@ -11,8 +10,51 @@ static const QString kDash = QStringLiteral(" — ");
 /// The spaces of a code belong to it: only the dash ends it.
 static QString beforeDash(const QString& text) { return text.left(text.indexOf(kDash)); }
 
-ChoiceField::ChoiceField(QWidget* parent) : QComboBox(parent) {
+/// Shows a value as the item that names it.
+class ChoiceField::Line final : public LineField {
+public:
+    explicit Line(ChoiceField& choice)
+        : LineField(FieldText::Form::Decimal, 0, &choice), choice_(choice) {}
+
+    void configure(const Field& field) override {
+        if (field.kind == ValueKind::Text && form_.formatter().isEmpty())
+            form_ = FieldText(FieldText::Form::Plain);
+        LineField::configure(field);
+    }
+
+    using LineField::commit;
+    using LineField::form_;
+
+protected:
+    QString textForValue() const override {
+        const QString plain = form_.textFor(value());
+        if (!value().isValid()) return plain;
+        for (int i = 0; i < choice_.count(); ++i) {
+            // By what an item names: a formatter may write more digits than people do.
+            const QString item = choice_.itemText(i);
+            QString why;
+            const std::optional<QVariant> named = valueOf(item, why);
+            if (named && form_.textFor(*named) == plain) return item;
+        }
+        return plain;
+    }
+    std::optional<QVariant> valueOf(const QString& text, QString& why) const override {
+        return LineField::valueOf(beforeDash(text), why);
+    }
+    void showValue() override {
+        const QSignalBlocker silent(&choice_);
+        choice_.setCurrentIndex(
+            choice_.findText(textForValue(), Qt::MatchExactly | Qt::MatchCaseSensitive));
+        LineField::showValue();
+    }
+
+private:
+    ChoiceField& choice_;
+};
+
+ChoiceField::ChoiceField(QWidget* parent) : QComboBox(parent), line_(new Line(*this)) {
     setEditable(true);
+    setLineEdit(line_);
     setInsertPolicy(QComboBox::NoInsert);
     // A completed text would choose what nobody typed.
     setCompleter(nullptr);
@@ -20,77 +62,35 @@ ChoiceField::ChoiceField(QWidget* parent) : QComboBox(parent) {
     setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(28);
     setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
-    connect(this, &QComboBox::activated, this, &ChoiceField::commit);
-    connect(lineEdit(), &QLineEdit::editingFinished, this, &ChoiceField::commit);
+    connect(this, &QComboBox::activated, line_, &Line::commit);
+    connect(line_, &LineField::valueChanged, this, &ChoiceField::valueChanged);
+    connect(line_, &LineField::editRefused, this, &ChoiceField::editRefused);
 }
 
-void ChoiceField::setValue(const QVariant& value) {
-    value_ = value;
-    showValue();
-}
+QVariant ChoiceField::value() const { return line_->value(); }
 
-void ChoiceField::configure(const Field& field) {
-    if (field.kind == ValueKind::Text && formatter().isEmpty())
-        form_ = FieldText(FieldText::Form::Plain);
-    form_.configure(field);
-}
+void ChoiceField::setValue(const QVariant& value) { line_->setValue(value); }
 
-void ChoiceField::setReadOnly(bool readOnly) { lineEdit()->setReadOnly(readOnly); }
+QString ChoiceField::formatter() const { return line_->form_.formatter(); }
+
+void ChoiceField::setFormatter(const QString& className) { line_->form_.setFormatter(className); }
+
+void ChoiceField::configure(const Field& field) { line_->configure(field); }
+
+void ChoiceField::setReadOnly(bool readOnly) { line_->setReadOnly(readOnly); }
+
+bool ChoiceField::isAcceptable() const { return line_->isAcceptable(); }
 
 void ChoiceField::showPopup() {
-    if (!lineEdit()->isReadOnly()) QComboBox::showPopup();
+    if (!line_->isReadOnly()) QComboBox::showPopup();
 }
 
 void ChoiceField::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && currentText() != textForValue()) return showValue();
-    if (lineEdit()->isReadOnly()) return event->ignore();
+    if (line_->isReadOnly()) return event->ignore();
     QComboBox::keyPressEvent(event);
 }
 
 /// A turn of the wheel is meant for the form that the field stands in, not for the movie.
 void ChoiceField::wheelEvent(QWheelEvent* event) { event->ignore(); }
-
-void ChoiceField::commit() {
-    if (lineEdit()->isReadOnly() || currentText() == textForValue()) {
-        if (refused_) showValue();
-        return;
-    }
-    if (refused_ == currentText()) return;
-    QString why;
-    const std::optional<QVariant> named = form_.valueOf(beforeDash(currentText()), why);
-    if (!named) {
-        refused_ = currentText();
-        mark(*lineEdit(), why);
-        emit editRefused(why);
-        return;
-    }
-    const bool isOther = !value_.isValid() || *named != value_;
-    value_ = *named;
-    showValue();
-    if (isOther) emit valueChanged();
-}
-
-void ChoiceField::showValue() {
-    const QString text = textForValue();
-    const QSignalBlocker silent(this);
-    setCurrentIndex(findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive));
-    setEditText(text);
-    lineEdit()->setCursorPosition(0);
-    lineEdit()->setPlaceholderText(value_.isValid() ? QString() : tr("absent"));
-    if (refused_) mark(*lineEdit(), {});
-    refused_.reset();
-}
-
-QString ChoiceField::textForValue() const {
-    const QString plain = form_.textFor(value_);
-    if (!value_.isValid()) return plain;
-    for (int i = 0; i < count(); ++i) {
-        // By what an item names: a formatter may write a number with more digits than people do.
-        QString why;
-        const std::optional<QVariant> named = form_.valueOf(beforeDash(itemText(i)), why);
-        if (named && form_.textFor(*named) == plain) return itemText(i);
-    }
-    return plain;
-}
 
 }  // namespace vexqt

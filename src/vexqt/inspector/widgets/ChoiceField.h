@@ -2,8 +2,7 @@
 
 #include <QComboBox>
 
-#include "vexqt/inspector/widgets/FieldEditor.h"
-#include "vexqt/inspector/widgets/FieldText.h"
+#include "vexqt/inspector/widgets/LineField.h"
 
 namespace vexqt {
 
@@ -17,15 +16,15 @@ class ChoiceField : public QComboBox, public FieldEditor {
 public:
     explicit ChoiceField(QWidget* parent = nullptr);
 
-    QVariant value() const { return value_; }
+    QVariant value() const;
     void setValue(const QVariant& value);
     /// The formatter of values that are codes or hexadecimal; without one they are whole numbers
     /// or, where the property is a text, texts.
-    QString formatter() const { return form_.formatter(); }
-    void setFormatter(const QString& className) { form_.setFormatter(className); }
+    QString formatter() const;
+    void setFormatter(const QString& className);
     void configure(const Field& field) override;
     void setReadOnly(bool readOnly) override;
-    bool isAcceptable() const override { return !refused_; }
+    bool isAcceptable() const override;
     void showPopup() override;
 
 signals:
@@ -37,13 +36,9 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
-    void commit();
-    void showValue();
-    QString textForValue() const;
+    class Line;
 
-    FieldText form_{FieldText::Form::Decimal};
-    QVariant value_;
-    std::optional<QString> refused_;  ///< The text that stands there and is no value.
+    Line* line_;
 };
 
 }  // namespace vexqt

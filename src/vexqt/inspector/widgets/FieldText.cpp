@@ -143,7 +143,7 @@ std::optional<QVariant> FieldText::formattedOf(const QString& text, QString& why
     Value value;
     if (formatter_ != nullptr && formatter_->getObjectValue(value, fromQString(plain), nullptr))
         return toVariant(value);
-    why = formatterName_ == QLatin1String("OSTypeFormatter")
+    why = formatter_ == formatterNamed("OSTypeFormatter")
               ? tr("“%1” is no code: four ASCII characters at most.").arg(text)
               : tr("“%1” is no hexadecimal number.").arg(text);
     return std::nullopt;

@@ -28,6 +28,8 @@ public:
     };
 
     explicit FieldText(Form form) : form_(form) {}
+    explicit FieldText(const ValueFormatter& formatter)
+        : form_(Form::Formatted), formatter_(&formatter) {}
 
     Form form() const { return form_; }
     /// Takes over the width of a number; a formatter stays.

@@ -32,7 +32,7 @@ QSize LineField::sizeHint() const {
 }
 
 void LineField::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && text() != form_.textFor(value_)) {
+    if (event->key() == Qt::Key_Escape && text() != textForValue()) {
         showValue();
         return;
     }
@@ -46,13 +46,13 @@ void LineField::setColumns(int columns) {
 
 void LineField::commit() {
     // What nobody changed is not read back: the text may say less than the value holds.
-    if (isReadOnly() || text() == form_.textFor(value_)) {
+    if (isReadOnly() || text() == textForValue()) {
         if (refused_) showValue();
         return;
     }
     if (refused_ == text()) return;
     QString why;
-    const std::optional<QVariant> named = form_.valueOf(text(), why);
+    const std::optional<QVariant> named = valueOf(text(), why);
     if (!named) {
         refused_ = text();
         mark(*this, why);
@@ -66,7 +66,7 @@ void LineField::commit() {
 }
 
 void LineField::showValue() {
-    setText(form_.textFor(value_));
+    setText(textForValue());
     setPlaceholderText(value_.isValid() ? QString() : tr("absent"));
     if (columns_ == 0) setCursorPosition(0);
     if (refused_) mark(*this, {});

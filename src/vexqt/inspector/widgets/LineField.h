@@ -32,12 +32,18 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void setColumns(int columns);
 
+    virtual QString textForValue() const { return form_.textFor(value_); }
+    /// Absent for a text that names no value of this field, and then `why` says it to people.
+    virtual std::optional<QVariant> valueOf(const QString& text, QString& why) const {
+        return form_.valueOf(text, why);
+    }
+    /// Takes the text for the value, or marks it.
+    void commit();
+    virtual void showValue();
+
     FieldText form_;
 
 private:
-    void commit();
-    void showValue();
-
     QVariant value_;
     int columns_;
     std::optional<QString> refused_;  ///< The text that stands there and is no value.
