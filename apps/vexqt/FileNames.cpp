@@ -48,7 +48,7 @@ std::optional<std::string> FileNames::nextOfList() {
 
 /// Whether there was more.
 bool FileNames::readMore() {
-    static constexpr std::size_t kStep = 64 * 1024;
+    static constexpr std::size_t kStep = std::size_t{64} * 1024;
     if (descriptor_ < 0) return false;
     read_.erase(0, taken_);
     looked_ -= taken_;

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <mutex>
+#include <tuple>
 
 namespace vexqt::cli {
 
@@ -22,8 +23,8 @@ void receive(int signal) { received = signal; }
 }  // namespace
 
 void Interrupted::endProcess() const {
-    std::signal(signal_, SIG_DFL);
-    std::raise(signal_);
+    std::ignore = std::signal(signal_, SIG_DFL);
+    std::ignore = std::raise(signal_);
     std::_Exit(128 + signal_);  // Somebody has blocked it.
 }
 

@@ -21,7 +21,7 @@ public:
 /// A buffer in front of something that takes bytes. What was written last arrives with flush().
 class Output {
 public:
-    static constexpr std::size_t kCapacity = 256 * 1024;
+    static constexpr std::size_t kCapacity = std::size_t{256} * 1024;
 
     Output() : buffer_(std::make_unique_for_overwrite<char[]>(kCapacity)) {}
     virtual ~Output() = default;

@@ -342,9 +342,9 @@ std::string wrapped(std::string_view text, std::size_t indent) {
     return out;
 }
 
-std::string entry(std::string name, std::string_view about) {
+std::string entry(std::string_view name, std::string_view about) {
     static constexpr std::size_t kColumns = 22;
-    std::string line = "  " + name;
+    std::string line = "  " + std::string(name);
     line += line.size() + 2 > kColumns ? "\n" + std::string(kColumns, ' ')
                                        : std::string(kColumns - line.size(), ' ');
     return line + wrapped(about, kColumns) + "\n";
@@ -352,8 +352,7 @@ std::string entry(std::string name, std::string_view about) {
 
 std::string overview() {
     std::string text(kOverview);
-    for (const CommandDescription& command : kCommands)
-        text += entry(std::string(command.name), command.does);
+    for (const CommandDescription& command : kCommands) text += entry(command.name, command.does);
     text += kPathsAndStatus;
     text += "\nOptions:\n" + entry("-h, --help", "this text, or that of a command") +
             entry("--version", "the version");
@@ -376,7 +375,7 @@ std::string helpOf(const CommandDescription& command, const CLI::App& app) {
     if (command.files != Files::None)
         text += entry("FILE", file + (needsFile(command) ? "" : ", or - for standard input"));
     if (!command.operands.name.empty())
-        text += entry(std::string(command.operands.name), command.operands.about);
+        text += entry(command.operands.name, command.operands.about);
     text += "\nOptions:\n";
     for (const CLI::Option* option : app.get_options()) {
         if (option->get_positional()) continue;
@@ -489,7 +488,7 @@ std::string mistakeInSeveral(const Arguments& arguments, const CommandDescriptio
 std::string mistakeIn(const Arguments& arguments, const CommandDescription& command) {
     if (command.files != Files::None && arguments.files.empty() && !arguments.filesFrom)
         return "FILE is missing";
-    if (const std::string mistake = mistakeInSeveral(arguments, command); !mistake.empty())
+    if (std::string mistake = mistakeInSeveral(arguments, command); !mistake.empty())
         return mistake;
     const std::string wanted = operandsUsage(command).erase(0, 1);
     const bool isSetBare = command.run == set && arguments.operands.empty() &&
@@ -507,7 +506,7 @@ std::string mistakeIn(const Arguments& arguments, const CommandDescription& comm
     const bool changesFile = arguments.inPlace || (needsFile(command) && command.run != check);
     const auto fromInput = std::ranges::count(arguments.files, "-");
     if (changesFile && fromInput > 0) return "standard input cannot be changed in place";
-    if (fromInput + (arguments.settings == "-") + (arguments.filesFrom == "-") > 1)
+    if (fromInput + (arguments.settings == "-" ? 1 : 0) + (arguments.filesFrom == "-" ? 1 : 0) > 1)
         return "standard input can be read only once";
     return {};
 }

@@ -172,8 +172,8 @@ public:
 
 private:
     struct Column {
-        const Field* field;
-        bool isFetched;
+        const Field* field = nullptr;
+        bool isFetched = false;
         Piece before;  ///< What stands between the value before and this one.
         std::vector<std::uint64_t> numbers;
     };

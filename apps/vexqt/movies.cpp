@@ -116,7 +116,7 @@ void check(const std::error_code& error) {
 // MARK: Reading
 
 Bytes readDescriptor(int descriptor) {
-    static constexpr std::size_t kStep = 1024 * 1024;
+    static constexpr std::size_t kStep = std::size_t{1024} * 1024;
     Bytes bytes;
     std::size_t used = 0;
     while (true) {

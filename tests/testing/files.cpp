@@ -17,9 +17,9 @@ TemporaryFolder::TemporaryFolder() {
     // In memory where the system has such a folder: saving flushes a lot.
     const std::filesystem::path inMemory = "/dev/shm";
     const bool isThere = access(inMemory.c_str(), W_OK) == 0;
-    std::string name = ((isThere ? inMemory : std::filesystem::temp_directory_path()) /
-                        "vexqt-test-XXXXXX")
-                           .string();
+    std::string name =
+        ((isThere ? inMemory : std::filesystem::temp_directory_path()) / "vexqt-test-XXXXXX")
+            .string();
     if (mkdtemp(name.data()) == nullptr) ADD_FAILURE() << "no temporary folder";
     path_ = name;
 }

@@ -10,10 +10,7 @@ namespace {
 
 class FileSource final : public MovieSource {
 public:
-    explicit FileSource(File& file) : file_(file) {
-        length_ = file_.size(error_);
-        check();
-    }
+    explicit FileSource(File& file) : file_(file), length_(file.size(error_)) { check(); }
 
     std::uint64_t length() const override { return length_; }
 
@@ -142,7 +139,7 @@ Value VexQTAsset::valueForKey(std::string_view key) const {
 
 Value VexQTAsset::valueForKeyPath(std::string_view keyPath) const {
     const std::size_t point = keyPath.find('.');
-    const Value value = valueForKey(keyPath.substr(0, point));
+    Value value = valueForKey(keyPath.substr(0, point));
     if (point == std::string_view::npos) return value;
     const auto* root = std::get_if<VexQTAtom*>(&value);
     return root != nullptr ? (*root)->valueForKeyPath(keyPath.substr(point + 1)) : Value();

@@ -60,9 +60,9 @@ struct AtomClass;
 
 /// One line of a container's child table. A type that no line names becomes a generic atom.
 struct ChildRule {
-    const AtomClass* cls;           ///< Null: the child is dropped and never written back.
-    OSType type = 0;                ///< 0: the class's own. kAnyType covers every type.
-    std::uint64_t minimumSize = 0;  ///< A smaller child stays generic.
+    const AtomClass* cls = nullptr;  ///< Null: the child is dropped and never written back.
+    OSType type = 0;                 ///< 0: the class's own. kAnyType covers every type.
+    std::uint64_t minimumSize = 0;   ///< A smaller child stays generic.
 };
 
 /// Whether a child that has nothing but a header is read when it is the last.

@@ -16,7 +16,7 @@ std::int32_t truncated(double value) {
 }
 
 /// Integer part and fraction part each as given; a sum below zero comes out one lower.
-double signedSum(double whole, double fraction) {
+double signedSum(std::int32_t whole, double fraction) {
     const double sum = whole + fraction;
     return sum < 0 ? sum - 1.0 : sum;
 }

@@ -105,6 +105,7 @@ VexQTAtom::VexQTAtom(const VexQTAtom& other)
       flags_(other.flags_) {}
 
 VexQTAtom& VexQTAtom::operator=(const VexQTAtom& other) {
+    if (this == &other) return *this;
     assert(&class_ == &other.class_);
     parent_ = other.parent_;
     size_ = other.size_;
@@ -499,7 +500,7 @@ Value VexQTAtom::valueForKeyPath(std::string_view keyPath) const {
     const VexQTAtom* atom = this;
     while (true) {
         const std::size_t point = keyPath.find('.');
-        const Value value = atom->valueForKey(keyPath.substr(0, point));
+        Value value = atom->valueForKey(keyPath.substr(0, point));
         if (point == std::string_view::npos) return value;
         const auto* child = std::get_if<VexQTAtom*>(&value);
         if (child == nullptr || *child == nullptr) return {};

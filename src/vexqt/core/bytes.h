@@ -90,7 +90,7 @@ public:
     /// Where a part of the same block lies in this one; absent for any other.
     std::optional<std::size_t> offsetOf(const SharedBytes& part) const {
         if (!sharesBlockWith(part)) return std::nullopt;
-        const std::less_equal<const std::uint8_t*> notAfter;
+        const std::less_equal<> notAfter;  // Of any two addresses, as <= is not.
         const std::uint8_t* const first = first_.get();
         const std::uint8_t* const partFirst = part.first_.get();
         if (!notAfter(first, partFirst)) return std::nullopt;

@@ -37,7 +37,7 @@ OSType codeFromText(std::string_view text) {
 }
 
 std::string pathSegment(OSType code) {
-    const std::string text = textFromCode(code);
+    std::string text = textFromCode(code);
     const auto isPlain = [](char c) {
         return c >= ' ' && c <= '~' && c != '.' && c != '[' && c != ']' && c != '=';
     };
