@@ -78,9 +78,10 @@ vexqt_package(development libvexqt-dev libdevel
   "library that reads and changes the atoms of QuickTime movies - headers"
   "This package has what programs are built with: the headers, a CMake package,
 a file for pkg-config, and examples. What shows atoms in windows is a static
-library; programs with it are built with qt6-base-dev and qt6-tools-dev.")
+library; programs with it are built with what this package suggests of Qt.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libvexqt1 (= ${version})")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS "qt6-base-dev, qt6-tools-dev, vexqt-doc")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS 
+  "qt6-base-dev, qt6-tools-dev, libqt6opengl6-dev, vexqt-doc")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
   DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/libvexqt-dev
   COMPONENT development
@@ -107,7 +108,8 @@ endif()
 
 vexqt_package(documentation vexqt-doc doc
   "library that reads and changes the atoms of QuickTime movies - manual"
-  "This package has the guide and the reference of everything public.")
+  "This package has the guide, which shows the command by recipes and the
+inspector by pictures, and the reference of everything public in the library.")
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html
   DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/vexqt-doc
