@@ -21,9 +21,8 @@ install(EXPORT VexQt
   COMPONENT development)
 
 if(TARGET vexqt_inspector)
-  set_target_properties(vexqt_inspector PROPERTIES
-    VERSION ${PROJECT_VERSION}
-    SOVERSION ${PROJECT_VERSION_MAJOR})
+  # Where both are shared, they lie side by side.
+  set_target_properties(vexqt_inspector PROPERTIES INSTALL_RPATH "$ORIGIN")
   install(TARGETS vexqt_inspector EXPORT VexQtInspector
     LIBRARY COMPONENT inspector NAMELINK_COMPONENT development
     ARCHIVE COMPONENT development
@@ -97,18 +96,12 @@ endif()
 if(TARGET vexqt_inspector_app)
   set_target_properties(vexqt_inspector_app PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
   install(TARGETS vexqt_inspector_app COMPONENT inspector)
-endif()
-
-if(TARGET vexqt_inspector_app)
-  file(RELATIVE_PATH libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set_target_properties(vexqt_inspector_app PROPERTIES INSTALL_RPATH "$ORIGIN/${libraries}")
-  install(TARGETS vexqt_inspector_app)
   # What desktops need to know of it, laid out as it is installed.
   install(DIRECTORY
     ${PROJECT_SOURCE_DIR}/share/applications
     ${PROJECT_SOURCE_DIR}/share/icons
     ${PROJECT_SOURCE_DIR}/share/metainfo
     ${PROJECT_SOURCE_DIR}/share/mime
-    DESTINATION ${CMAKE_INSTALL_DATADIR})
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/share/man/ DESTINATION ${CMAKE_INSTALL_MANDIR})
+    DESTINATION ${CMAKE_INSTALL_DATADIR}
+    COMPONENT inspector)
 endif()

@@ -7,8 +7,11 @@
 #   vexqt-doc         documentation
 #
 # What a package needs of others is found out by dpkg-shlibdeps.
-set(VEXQT_MAINTAINER "The VexQt authors <vexqt@example.org>" CACHE STRING
-  "Who answers for the Debian packages.")
+#
+# Who gives packages to others answers for them, and says so: the address that stands here is read
+# by nobody.
+set(VEXQT_MAINTAINER "VexQt developers <vexqt@example.org>" CACHE STRING
+  "Who answers for the Debian packages: Name <address>.")
 set(debian ${PROJECT_SOURCE_DIR}/packaging)
 set(version ${PROJECT_VERSION}-1)
 
@@ -34,13 +37,11 @@ set(CPACK_COMPONENTS_ALL)
 # MARK: What every package has
 
 find_program(VEXQT_GZIP gzip REQUIRED)
-foreach(changes IN ITEMS changelog CHANGELOG.md)
-  set(from ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
-  if(changes STREQUAL "changelog")
-    set(from ${debian}/changelog)
-  endif()
-  execute_process(COMMAND ${VEXQT_GZIP} -9nc ${from}
-    OUTPUT_FILE ${PROJECT_BINARY_DIR}/${changes}.gz COMMAND_ERROR_IS_FATAL ANY)
+configure_file(${debian}/changelog.in ${PROJECT_BINARY_DIR}/changelog @ONLY)
+foreach(changes IN ITEMS ${PROJECT_BINARY_DIR}/changelog ${PROJECT_SOURCE_DIR}/CHANGELOG.md)
+  get_filename_component(name ${changes} NAME)
+  execute_process(COMMAND ${VEXQT_GZIP} -9nc ${changes}
+    OUTPUT_FILE ${PROJECT_BINARY_DIR}/${name}.gz COMMAND_ERROR_IS_FATAL ANY)
 endforeach()
 
 # vexqt_package(component package section summary description)
@@ -76,9 +77,11 @@ set(CPACK_DEBIAN_LIBRARY_PACKAGE_CONTROL_EXTRA ${debian}/triggers)
 vexqt_package(development libvexqt-dev libdevel
   "library that reads and changes the atoms of QuickTime movies - headers"
   "This package has what programs are built with: the headers, a CMake package,
-a file for pkg-config, and examples.")
+a file for pkg-config, and examples. What shows atoms in windows is a static
+library; programs with it are built with what this package suggests of Qt.")
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libvexqt1 (= ${version})")
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS vexqt-doc)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SUGGESTS 
+  "qt6-base-dev, qt6-tools-dev, libqt6opengl6-dev, vexqt-doc")
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples
   DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/libvexqt-dev
   COMPONENT development
@@ -105,7 +108,8 @@ endif()
 
 vexqt_package(documentation vexqt-doc doc
   "library that reads and changes the atoms of QuickTime movies - manual"
-  "This package has the guide and the reference of everything public.")
+  "This package has the guide, which shows the command by recipes and the
+inspector by pictures, and the reference of everything public in the library.")
 set(CPACK_DEBIAN_DOCUMENTATION_PACKAGE_ARCHITECTURE all)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html
   DESTINATION ${CMAKE_INSTALL_DATAROOTDIR}/doc/vexqt-doc

@@ -44,6 +44,16 @@ match(line, /^ *[A-Za-z_:0-9<>]+& [A-Za-z_0-9]+\(\) *\{/) || match(line, /^ *std
 
 /^    [A-Za-z][^(){}]* [A-Za-z]+_( = [^;(){}]*)?;/ { say("Where the property of that name is kept, for subclasses.") }
 
+# The views of atoms: what the interface descriptions bind to, and what the controllers share.
+match(line, /^ *Q_PROPERTY\(.* READ [A-Za-z]+/) {
+    getter = substr(line, RSTART, RLENGTH)
+    sub(/.* /, "", getter)
+    say("What " getter "() gives, for interface descriptions.")
+}
+/^    void [A-Za-z]+Event\(Q[A-Za-z]+\* event\) override;/ { say("Does what the class is for.") }
+/^    VexQT....AtomViewController\(const QString& nibName, / { say("As its bases are made.") }
+/^    qsizetype [A-Za-z]+Count\(\) const \{ return count\(\); \}/ { say("The same as count().") }
+
 # Two members in one declaration: the comment in front is about both.
 /^    (std::u?int[0-9]+_t|double) [a-zA-Z]+ = 0, [a-zA-Z]+ = 0;/ && documented() {
     split(line, word, /[ ,=]+/)

@@ -7,6 +7,6 @@ namespace vexqt {
 
 /// Sorted by the names of the classes, that of generic atoms first. A new class adds its line in
 /// the source.
-std::span<const AtomClass* const> atomClasses();
+VEXQT_EXPORT std::span<const AtomClass* const> atomClasses();
 
 }  // namespace vexqt

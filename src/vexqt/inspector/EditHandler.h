@@ -3,18 +3,22 @@
 #include <QString>
 #include <functional>
 
+#include "vexqt/inspector/export.h"
+
 namespace vexqt {
 
 class VexQTAtom;
 
 /// Who performs the edits that people make in a view: the undo stack of a host, for instance.
-class EditHandler {
+class VEXQT_INSPECTOR_EXPORT EditHandler {
 public:
+    /// One edit.
     struct Edit {
         QString text = {};  ///< For people: "Change time scale".
-        /// Done and undone in turn, however often. Neither throws, and neither needs the view.
-        std::function<void()> redo = {}, undo = {};
-        VexQTAtom* atom = nullptr;
+        /// Does it: called in turn with undo, however often. Neither throws or needs the view.
+        std::function<void()> redo = {};
+        std::function<void()> undo = {};  ///< Takes it back.
+        VexQTAtom* atom = nullptr;        ///< The atom that is edited.
         /// What is edited. Of two edits in a row of the same atom and key, the later redo and the
         /// earlier undo are enough. Edits without a key are each for themselves.
         QString key = {};

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The low byte of a number: 0x1234 shows as 0x34.
-class Hex1ByteFormatter final : public HexFormatter {
+class VEXQT_INSPECTOR_EXPORT Hex1ByteFormatter final : public HexFormatter {
 public:
     std::string stringForObjectValue(const Value& value) const override;
 };

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The low two bytes of a number: 0x12345 shows as 0x2345.
-class Hex2ByteFormatter final : public HexFormatter {
+class VEXQT_INSPECTOR_EXPORT Hex2ByteFormatter final : public HexFormatter {
 public:
     std::string stringForObjectValue(const Value& value) const override;
 };

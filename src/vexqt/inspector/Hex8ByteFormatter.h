@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// A number of 64 bits, padded with blanks to sixteen characters behind the 0x.
-class Hex8ByteFormatter final : public HexFormatter {
+class VEXQT_INSPECTOR_EXPORT Hex8ByteFormatter final : public HexFormatter {
 public:
     std::string stringForObjectValue(const Value& value) const override;
     /// Gives the 64 bits that were read as a signed number.

@@ -9,7 +9,7 @@ namespace vexqt {
 /// Blanks in front, then perhaps 0x, then digits; what follows the digits is ignored, and a number
 /// that is too large becomes the largest. Fields of one and two bytes take as much as one of four:
 /// the property that is set keeps what it has room for.
-class HexFormatter : public ValueFormatter {
+class VEXQT_INSPECTOR_EXPORT HexFormatter : public ValueFormatter {
 public:
     /// Gives the 32 bits that were read as a signed number: 0xFFFFFFFF is -1.
     bool getObjectValue(Value& value, std::string_view string,

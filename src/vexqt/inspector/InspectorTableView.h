@@ -2,13 +2,16 @@
 
 #include <QTableView>
 
+#include "vexqt/inspector/export.h"
+
 namespace vexqt {
 
 /// A table view that tells where it was double-clicked, also beside its cells.
-class InspectorTableView : public QTableView {
+class VEXQT_INSPECTOR_EXPORT InspectorTableView : public QTableView {
     Q_OBJECT
 
 public:
+    /// A table without a model.
     explicit InspectorTableView(QWidget* parent = nullptr);
 
     /// The row of the last click; -1 for the header and below the last row.

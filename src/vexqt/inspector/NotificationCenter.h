@@ -3,10 +3,12 @@
 #include <QObject>
 #include <QVariantMap>
 
+#include "vexqt/inspector/export.h"
+
 namespace vexqt {
 
 /// Tells those who listen what happened, without either side knowing the other.
-class NotificationCenter : public QObject {
+class VEXQT_INSPECTOR_EXPORT NotificationCenter : public QObject {
     Q_OBJECT
 
 public:
@@ -15,9 +17,11 @@ public:
     /// The one that the library posts on.
     static NotificationCenter& defaultCenter();
 
+    /// Emits posted() before it returns.
     void post(const QString& name, QObject* object, const QVariantMap& userInfo = {});
 
 signals:
+    /// What happened, of which object, and what else is to be known of it.
     void posted(const QString& name, QObject* object, const QVariantMap& userInfo);
 };
 

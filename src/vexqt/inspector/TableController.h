@@ -14,7 +14,8 @@ namespace vexqt {
 
 class TableModel;
 
-class TableController : public VexQTAtomViewController {
+/// Shows the entries of a table in a table view named "table".
+class VEXQT_INSPECTOR_EXPORT TableController : public VexQTAtomViewController {
     Q_OBJECT
 
 public:
@@ -28,6 +29,7 @@ public:
 
     // What a table view's model asks.
 
+    /// The number of rows that the entries fill, one each unless a class says otherwise.
     virtual qsizetype numberOfRowsInTableView(const InspectorTableView* tableView) const;
     /// Invalid for an empty cell: a row behind the last, or a column that is not known.
     virtual QVariant objectValueForTableColumn(const InspectorTableView* tableView,
@@ -36,12 +38,14 @@ public:
     void refresh() override;
 
 protected:
+    /// Lists the entries of that property.
     TableController(const QString& listName, const QString& nibName, const QString& bundle,
                     VexQTAtom* atom, QObject* parent);
 
     void awakeFromNib() override;
     /// Null where the atom has no such list.
     const ListAccess* list() const;
+    /// How many entries stand side by side.
     virtual int entriesPerRow() const { return 1; }
 
 private:
@@ -51,7 +55,7 @@ private:
 };
 
 /// Four entries a row, in columns named "0" to "3".
-class GridTableController : public TableController {
+class VEXQT_INSPECTOR_EXPORT GridTableController : public TableController {
     Q_OBJECT
 
 public:
@@ -61,6 +65,7 @@ public:
                                        qsizetype row) const override;
 
 protected:
+    /// The number of columns.
     static constexpr int kEntriesPerRow = 4;
 
     using TableController::TableController;
@@ -68,12 +73,12 @@ protected:
 };
 
 /// One entry a row, in columns named after the properties of an entry.
-class RowTableController : public TableController {
+class VEXQT_INSPECTOR_EXPORT RowTableController : public TableController {
     Q_OBJECT
 
 public:
-    /// Integers as unsigned numbers of 32 bits, or of 16 where they have no more: -1 shows as
-    /// 4294967295. Fractions are cut off.
+    /// Integers as unsigned numbers of 32 bits, 4294967295 for -1, or of 16 where they have no
+    /// more. Fractions are cut off.
     QVariant objectValueForTableColumn(const InspectorTableView* tableView, const QString& column,
                                        qsizetype row) const override;
 
@@ -82,7 +87,7 @@ protected:
 };
 
 /// A grid of chunk offsets. A double click on one posts where it points to.
-class ChunkOffsetController : public GridTableController {
+class VEXQT_INSPECTOR_EXPORT ChunkOffsetController : public GridTableController {
     Q_OBJECT
 
 public slots:

@@ -4,11 +4,12 @@
 #include <string_view>
 
 #include "vexqt/core/Value.h"
+#include "vexqt/inspector/export.h"
 
 namespace vexqt {
 
 /// Turns a number into text for people, and what they type back into a number. Keeps no state.
-class ValueFormatter {
+class VEXQT_INSPECTOR_EXPORT ValueFormatter {
 public:
     virtual ~ValueFormatter() = default;
 
@@ -21,6 +22,6 @@ public:
 };
 
 /// The formatter of a class name such as "Hex4ByteFormatter"; null for any other name.
-const ValueFormatter* formatterNamed(std::string_view className);
+VEXQT_INSPECTOR_EXPORT const ValueFormatter* formatterNamed(std::string_view className);
 
 }  // namespace vexqt

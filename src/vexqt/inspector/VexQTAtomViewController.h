@@ -7,6 +7,7 @@
 
 #include "vexqt/core/VexQTAtom.h"
 #include "vexqt/inspector/EditHandler.h"
+#include "vexqt/inspector/export.h"
 
 namespace vexqt {
 
@@ -16,7 +17,7 @@ class FormBinder;
 ///
 /// The controller owns its view. It does not own the atom: the host keeps the movie for as long as
 /// one of its views is open.
-class VexQTAtomViewController : public QObject {
+class VEXQT_INSPECTOR_EXPORT VexQTAtomViewController : public QObject {
     Q_OBJECT
     Q_PROPERTY(QFont textViewFont READ textViewFont CONSTANT)
 
@@ -28,13 +29,17 @@ public:
     /// Takes the view along, wherever a host has put it.
     ~VexQTAtomViewController() override;
 
+    /// The name of the interface description, without ".ui".
     const QString& nibName() const { return nibName_; }
+    /// The folder of interface descriptions.
     const QString& bundle() const { return bundle_; }
+    /// The atom that is shown.
     VexQTAtom* atom() const { return atom_; }
 
     /// The view, loaded when it is first asked for, and again when a host has deleted it. Null when
     /// the description cannot be read; problems() says why.
     QWidget* view();
+    /// Whether there is a view now, so that view() need not load it.
     bool isViewLoaded() const { return !view_.isNull(); }
     /// What is wrong with the interface description: unknown classes, keys that name nothing. Empty
     /// until the view is loaded.
@@ -45,6 +50,7 @@ public:
 
     /// Who performs the edits from now on; not owned. Null: the controller itself does.
     void setEditHandler(EditHandler* handler) { editHandler_ = handler; }
+    /// Null where the controller itself performs the edits.
     EditHandler* editHandler() const { return editHandler_; }
     /// Has an edit performed and shows what has become of the atom. False when the library refuses
     /// it: then nothing was edited, and editRefused has told why.
@@ -56,6 +62,7 @@ public:
 signals:
     /// The property whose field has the focus has become this one; empty for none.
     void fieldFocused(const QString& key);
+    /// An edit was performed.
     void edited(vexqt::VexQTAtom* atom);
     /// An edit could not be taken; the old value stays.
     void editRefused(const QString& key, const QString& why);
@@ -64,6 +71,7 @@ protected:
     /// Called when the view was loaded, before its values are shown.
     virtual void awakeFromNib() {}
 
+    /// Adds to problems().
     void addProblem(const QString& problem) { problems_.append(problem); }
 
 private:

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The chunk offsets of 64 bits, four a row.
-class VexQTco64AtomViewController final : public ChunkOffsetController {
+class VEXQT_INSPECTOR_EXPORT VexQTco64AtomViewController final : public ChunkOffsetController {
     Q_OBJECT
     Q_PROPERTY(qsizetype chunkOffsetsCount READ chunkOffsetsCount)
 

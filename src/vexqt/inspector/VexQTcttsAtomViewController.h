@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The runs of samples of one composition offset.
-class VexQTcttsAtomViewController final : public RowTableController {
+class VEXQT_INSPECTOR_EXPORT VexQTcttsAtomViewController final : public RowTableController {
     Q_OBJECT
     Q_PROPERTY(qsizetype compositionOffsetsCount READ compositionOffsetsCount)
 

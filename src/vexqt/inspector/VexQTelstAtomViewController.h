@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The stretches of an edit list. A media rate shows its whole part alone.
-class VexQTelstAtomViewController final : public RowTableController {
+class VEXQT_INSPECTOR_EXPORT VexQTelstAtomViewController final : public RowTableController {
     Q_OBJECT
     Q_PROPERTY(qsizetype editListEntriesCount READ editListEntriesCount)
 

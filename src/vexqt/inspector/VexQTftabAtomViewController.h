@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The fonts of a timed text.
-class VexQTftabAtomViewController final : public RowTableController {
+class VEXQT_INSPECTOR_EXPORT VexQTftabAtomViewController final : public RowTableController {
     Q_OBJECT
     Q_PROPERTY(qsizetype fontTableEntriesCount READ fontTableEntriesCount)
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The chunk offsets of 32 bits, four a row.
-class VexQTstcoAtomViewController final : public ChunkOffsetController {
+class VEXQT_INSPECTOR_EXPORT VexQTstcoAtomViewController final : public ChunkOffsetController {
     Q_OBJECT
     Q_PROPERTY(qsizetype chunkOffsetsCount READ chunkOffsetsCount)
 

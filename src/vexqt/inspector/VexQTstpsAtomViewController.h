@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The partial sync samples, four a row.
-class VexQTstpsAtomViewController final : public GridTableController {
+class VEXQT_INSPECTOR_EXPORT VexQTstpsAtomViewController final : public GridTableController {
     Q_OBJECT
     Q_PROPERTY(qsizetype syncSamplesCount READ syncSamplesCount)
 

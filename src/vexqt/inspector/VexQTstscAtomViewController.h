@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The runs of chunks of one make.
-class VexQTstscAtomViewController final : public RowTableController {
+class VEXQT_INSPECTOR_EXPORT VexQTstscAtomViewController final : public RowTableController {
     Q_OBJECT
     Q_PROPERTY(qsizetype sampleToChunkEntriesCount READ sampleToChunkEntriesCount)
 

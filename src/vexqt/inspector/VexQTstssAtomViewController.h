@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The sync samples, four a row.
-class VexQTstssAtomViewController final : public GridTableController {
+class VEXQT_INSPECTOR_EXPORT VexQTstssAtomViewController final : public GridTableController {
     Q_OBJECT
     Q_PROPERTY(qsizetype syncSamplesCount READ syncSamplesCount)
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The sample sizes, four a row.
-class VexQTstszAtomViewController final : public GridTableController {
+class VEXQT_INSPECTOR_EXPORT VexQTstszAtomViewController final : public GridTableController {
     Q_OBJECT
     Q_PROPERTY(qsizetype sampleSizesCount READ sampleSizesCount)
 

@@ -5,7 +5,7 @@
 namespace vexqt {
 
 /// The runs of samples of one duration.
-class VexQTsttsAtomViewController final : public RowTableController {
+class VEXQT_INSPECTOR_EXPORT VexQTsttsAtomViewController final : public RowTableController {
     Q_OBJECT
     Q_PROPERTY(qsizetype sampleDurationsCount READ sampleDurationsCount)
 

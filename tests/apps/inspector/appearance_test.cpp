@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -132,6 +133,34 @@ private slots:
     void mistakesInTheCommandLineAreTold() {
         QFETCH(QStringList, arguments);
         QVERIFY(!invocationFrom(arguments).mistake.isEmpty());
+    }
+
+    void theManualNamesTheOptionsOfTheHelp() {
+        QFile page(QStringLiteral(VEXQT_MAN "/vexqt-inspector.1.scd"));
+        QVERIFY(page.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(page.readAll());
+        // Terms stand at the beginning of a line: "*--select* _PATH_", "  --select PATH       …".
+        static const QRegularExpression kInPage(
+            QStringLiteral("^(?:\\*(-\\w)\\*, )?\\*(--\\w+)\\*(?: _(\\w+)_)?$"),
+            QRegularExpression::MultilineOption);
+        static const QRegularExpression kInHelp(
+            QStringLiteral("^  (?:(-\\w), )?(--\\w+)(?: (\\w+))?  "),
+            QRegularExpression::MultilineOption);
+        const auto terms = [](const QRegularExpression& form, const QString& in) {
+            QStringList found;
+            for (const QRegularExpressionMatch& match : form.globalMatch(in))
+                found.append(match.capturedTexts().mid(1).join(u' '));
+            found.sort();
+            return found;
+        };
+        const QStringList inPage = terms(kInPage, text);
+        QCOMPARE(inPage, terms(kInHelp, helpText()));
+        QCOMPARE(inPage.size(), 6);
+        // And the command line takes them, and the synopsis has those of a picture.
+        for (const char* option : {"--screenshot", "--select", "--size", "--dark"}) {
+            QVERIFY(text.count(QLatin1String(option)) >= 2);
+            QVERIFY(!invocationFrom({option}).mistake.startsWith("Unknown option"));
+        }
     }
 
     void theSheetTellsHowMuchIsWrittenAndWhere() {

@@ -403,6 +403,10 @@ TEST_F(EditCommands, SetKeyAddsAndChangesAndRemoveKeyRemoves) {
     EXPECT_EQ(call({"get", movie_, "moov.meta.ilst[com.example.reel].data.text"}).output, "A3\n");
     EXPECT_EQ(call({"get", movie_, "moov.meta.ilst[com.example.title].data.text"}).status, 1);
     EXPECT_EQ(call({"remove-key", movie_, "moov.meta", "no.such", "--in-place"}).status, 1);
+    // Of the last key nothing stays but two headers.
+    EXPECT_EQ(call({"remove-key", movie_, "moov.meta", "com.example.reel", "--in-place"}).status,
+              0);
+    EXPECT_EQ(call({"get", movie_, "moov.meta.ilst[com.example.reel].data.text"}).status, 1);
 }
 
 // MARK: check

@@ -130,7 +130,7 @@ TEST(Manual, HelpOfACommandNamesWhatItTakes) {
 }
 
 TEST(Manual, PagesAreWhatScdocTakes) {
-    for (const std::string page : {"vexqt.1", "vexqt-json.5"}) {
+    for (const std::string page : {"vexqt.1", "vexqt-json.5", "vexqt-inspector.1"}) {
         const auto made = testing::run(
             {"sh", "-c", "scdoc < " VEXQT_MAN "/" + page + ".scd | man --warnings -l - 2>&1"});
         EXPECT_EQ(made.status, 0) << made.errors << made.output;

@@ -1,5 +1,6 @@
 // The recipes of docs/command.md, as they stand there.
 #include <fstream>
+#include <iterator>
 #include <regex>
 #include <sstream>
 
@@ -40,42 +41,21 @@ std::vector<Recipe> recipesOfPage() {
 }
 
 /// Has everything that a recipe changes: HEVC as hev1, oblong pixels, colours, stereo, coordinates
-/// and dates.
+/// in two places, and dates.
 const std::filesystem::path& originalMovie() {
     static const TemporaryFolder folder;
-    static const std::filesystem::path movie = makeMovie(folder, "clip.mov",
-                                                         {"-f",
-                                                          "lavfi",
-                                                          "-i",
-                                                          "testsrc=size=64x48:rate=10",
-                                                          "-f",
-                                                          "lavfi",
-                                                          "-i",
-                                                          "sine=frequency=440",
-                                                          "-t",
-                                                          "1",
-                                                          "-c:v",
-                                                          "libx265",
-                                                          "-x265-params",
-                                                          "log-level=none",
-                                                          "-tag:v",
-                                                          "hev1",
-                                                          "-vf",
-                                                          "setsar=4/3",
-                                                          "-color_primaries",
-                                                          "bt709",
-                                                          "-color_trc",
-                                                          "bt709",
-                                                          "-colorspace",
-                                                          "bt709",
-                                                          "-c:a",
-                                                          "pcm_s16le",
-                                                          "-ac",
-                                                          "2",
-                                                          "-metadata",
-                                                          "location=+48.8584+002.2945/",
-                                                          "-metadata",
-                                                          "creation_time=2020-01-02T03:04:05Z"});
+    static const std::filesystem::path movie = [] {
+        std::istringstream words(
+            "-f lavfi -i testsrc=size=64x48:rate=10 -f lavfi -i sine -t 1 "
+            "-c:v libx265 -x265-params log-level=none -tag:v hev1 -vf setsar=4/3 "
+            "-color_primaries bt709 -color_trc bt709 -colorspace bt709 -c:a pcm_s16le -ac 2 "
+            "-metadata location=+48.8584+002.2945/ -metadata creation_time=2020-01-02T03:04:05Z");
+        const std::vector<std::string> arguments(std::istream_iterator<std::string>(words), {});
+        const std::filesystem::path made = makeMovie(folder, "clip.mov", arguments);
+        const std::string place = "com.example.location.ISO6709=+48.8584+002.2945/";
+        EXPECT_EQ(call({"set-key", made.string(), "moov.meta", place, "--in-place"}).status, 0);
+        return made;
+    }();
     return movie;
 }
 

@@ -1,4 +1,5 @@
-// Every document that the program prints holds to its schema.
+// Every document that the program prints holds to its schema, and its atoms to what is told of
+// their properties.
 #include <map>
 #include <nlohmann/json.hpp>
 #include <sstream>
@@ -15,9 +16,16 @@ protected:
     const std::string kept_ = path("kept");
     const EnvironmentVariable keeps_{"VEXQT_KEPT_DOCUMENTS", kept_.c_str()};
 
+    /// Compares all that were kept with the schemas, and with what is told of the properties.
+    Outcome compared() const {
+        const std::string properties = path("properties.json");
+        std::ofstream(properties) << testing::run({VEXQT_PROGRAM, "properties", "--json"}).output;
+        return testing::run({"python3", VEXQT_VALIDATOR, VEXQT_SCHEMAS, properties, kept_});
+    }
+
     /// How many documents of each kind were kept and hold.
     std::map<std::string, int> validated() const {
-        const Outcome outcome = testing::run({"python3", VEXQT_VALIDATOR, VEXQT_SCHEMAS, kept_});
+        const Outcome outcome = compared();
         EXPECT_EQ(outcome.status, 0) << outcome.output << outcome.errors;
         const std::size_t last = outcome.output.rfind('\n', outcome.output.size() - 2);
         std::istringstream words(outcome.output.substr(last == std::string::npos ? 0 : last + 1));
@@ -102,6 +110,16 @@ TEST_F(Schema, DoesNotHoldOfOtherDocuments) {
         {"digits that are none", "json", movie, "/rootAtoms/0/unknownData", "0x"},
         {"an object for a value", "json", movie, "/rootAtoms/2/children/0/properties/timeScale",
          json::object()},
+        {"a number that has no room", "json", movie, "/rootAtoms/2/children/0/properties/timeScale",
+         std::uint64_t{1} << 32},
+        {"a text for a number", "json", movie, "/rootAtoms/2/children/0/properties/timeScale",
+         "600"},
+        {"an atom without a property of its class", "json", movie,
+         "/rootAtoms/2/children/0/properties/duration", nullptr},
+        {"a property that the class does not have", "json", movie,
+         "/rootAtoms/2/children/0/properties/volume", 1},
+        {"the properties of another class", "json", movie, "/rootAtoms/2/children/0/class",
+         "VexQTtkhdAtom"},
         {"a matrix of eight", "json", movie, "/rootAtoms/2/children/0/properties/matrix",
          json::array({json::object({{"a", json::array({1, 2})}})})},
         {"a member that nobody knows", "json", movie, "/extra", 1},
@@ -123,7 +141,7 @@ TEST_F(Schema, DoesNotHoldOfOtherDocuments) {
         if (value.is_null()) changed[place.parent_pointer()].erase(place.back());
         keep(schema, changed);
     }
-    const Outcome outcome = testing::run({"python3", VEXQT_VALIDATOR, VEXQT_SCHEMAS, kept_});
+    const Outcome outcome = compared();
     EXPECT_EQ(outcome.status, 1);
     const std::string all = "invalid=" + std::to_string(std::size(kCases)) + " ";
     EXPECT_NE(outcome.output.find(all), std::string::npos) << outcome.output;
