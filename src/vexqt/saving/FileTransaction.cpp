@@ -353,7 +353,7 @@ std::optional<SaveFailure> FileTransaction::apply(const FileChange& change,
         return SaveFailure{.code = std::make_error_code(std::errc::invalid_argument),
                            .what = "the change is not in order: " + std::string(flaw)};
     if (change.isEmpty()) return std::nullopt;
-    if (const auto failure = attempt([&] { checkUnchanged(NamedFile(*file_, "").identity()); }))
+    if (auto failure = attempt([&] { checkUnchanged(NamedFile(*file_, "").identity()); }))
         return failure;
 
     std::unique_ptr<Change> made;

@@ -162,7 +162,7 @@ void UndoStore::letGo(std::vector<Record> records, const Record& kept) const {
     };
 
     // One that is being written belongs to a save that goes on elsewhere, or to one that died.
-    constexpr std::int64_t kAnHour = 60 * 60;
+    constexpr std::int64_t kAnHour = std::int64_t{60} * 60;
     std::ranges::sort(records, [](const Record& a, const Record& b) {
         return std::pair(a.seconds, a.sequence) > std::pair(b.seconds, b.sequence);
     });
