@@ -46,7 +46,11 @@ void claimNumber(const json& written, const Value& value, const std::string& nam
 void claimGivesBack(const Field& field, const Value& value, const std::string& name) {
     const bool isPicture = field.kind == ValueKind::Picture;
     if (value.isAbsent() || isPicture) return;
-    if (const auto* number = std::get_if<double>(&value); number && !std::isfinite(*number)) return;
+    if (const auto* number = std::get_if<double>(&value)) {
+        // Fields that hold a float round their largest patterns up to a number that has none.
+        const bool isOutOfRange = field.range.isKnown() && !field.range.has(*number);
+        if (!std::isfinite(*number) || isOutOfRange) return;
+    }
     if (field.kind == ValueKind::Transformation) return;  // Its cells may be no numbers.
     const std::string text = cli::bareText(field, value);
     Value back;
