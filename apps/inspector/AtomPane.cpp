@@ -79,7 +79,7 @@ AtomPane::AtomPane(Document& document, QWidget* parent)
     setAtom(nullptr);
 }
 
-AtomPane::~AtomPane() { setAtom(nullptr); }
+AtomPane::~AtomPane() { clear(); }
 
 /// An edit in a view may lead to another view, so the old one outlives what it is doing now. It
 /// does not outlive its atom.
@@ -92,20 +92,12 @@ void AtomPane::retire() {
 }
 
 void AtomPane::setAtom(VexQTAtom* atom) {
+    if (atom == nullptr) return clear();
     // Whoever listened to the old view must not hear of the new one's first focus before it stands.
     scroll_->takeWidget();
     retire();
     atom_ = atom;
     header_->setAtom(atom);
-    if (atom == nullptr) {
-        for (const auto& controller : retired_) delete controller;
-        retired_.clear();
-        contents_->setRootIndex({});
-        contents_->hide();
-        note_->setText({});
-        stack_->setCurrentWidget(contentsPage_);
-        return;
-    }
     controller_.reset(VexQTAsset::newViewControllerForAtom(atom));
     QWidget* view = controller_ ? controller_->view() : nullptr;
     if (view == nullptr) {
@@ -128,6 +120,19 @@ void AtomPane::setAtom(VexQTAtom* atom) {
     scroll_->setWidget(view);
     view->show();
     stack_->setCurrentWidget(scroll_);
+}
+
+void AtomPane::clear() {
+    scroll_->takeWidget();
+    retire();
+    for (const auto& controller : retired_) delete controller;
+    retired_.clear();
+    atom_ = nullptr;
+    header_->setAtom(nullptr);
+    contents_->setRootIndex({});
+    contents_->hide();
+    note_->setText({});
+    stack_->setCurrentWidget(contentsPage_);
 }
 
 void AtomPane::showContents(const QString& note) {

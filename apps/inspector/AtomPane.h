@@ -48,6 +48,7 @@ protected:
 
 private:
     void retire();
+    void clear();
     void showContents(const QString& note);
     void followTables(QWidget& view);
 

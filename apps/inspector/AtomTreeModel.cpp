@@ -31,7 +31,7 @@ QString typeFor(const VexQTAtom& atom) {
 
 QString nameFor(const VexQTAtom& atom) {
     if (const auto key = AtomPath::keyOf(atom)) return toQString(*key);
-    const QString name = toQString(atom.atomName());
+    QString name = toQString(atom.atomName());
     if (atom.atomType() != "trak"_os) return name;
     // Which track it is, is what people look for.
     const Value kind = atom.valueForKeyPath("mdia.hdlr.componentSubType");

@@ -237,7 +237,7 @@ void HexView::keyPressEvent(QKeyEvent* event) {
     const auto ahead = [&](quint64 count) {
         return last - cursor_ >= count ? cursor_ + count : cursor_;
     };
-    quint64 target = cursor_;
+    quint64 target = 0;
     switch (event->key()) {
         case Qt::Key_Left:
             target = back(1);

@@ -295,7 +295,7 @@ void MainWindow::makeToolBar() {
     addTool("showBytes", tr("Bytes"));
 }
 
-void MainWindow::addTabActions(MovieTab& tab) {
+void MainWindow::addTabActions(MovieTab& tab) const {
     const auto addTo = [&](QWidget& widget, std::initializer_list<const char*> names) {
         for (const char* name : names) widget.addAction(actionNamed(QLatin1String(name)));
     };
@@ -444,10 +444,10 @@ void MainWindow::showState() {
         action->setText(can && !what.isEmpty() ? tr("%1 “%2”").arg(plain, what) : plain);
         action->setIconText(iconText);
     };
-    showHistory("undo", history && history->canUndo(), tr("&Undo"),
-                history ? history->undoText() : QString());
-    showHistory("redo", history && history->canRedo(), tr("&Redo"),
-                history ? history->redoText() : QString());
+    showHistory("undo", history != nullptr && history->canUndo(), tr("&Undo"),
+                history != nullptr ? history->undoText() : QString());
+    showHistory("redo", history != nullptr && history->canRedo(), tr("&Redo"),
+                history != nullptr ? history->redoText() : QString());
     if (tab == nullptr) return;
 
     VexQTAtom* atom = tab->selectedAtom();

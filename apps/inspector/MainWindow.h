@@ -56,7 +56,7 @@ private:
     void makeHelpActions();
     void makeMenus();
     void makeToolBar();
-    void addTabActions(MovieTab& tab);
+    void addTabActions(MovieTab& tab) const;
 
     void askForMovies();
     void showRecentFiles();

@@ -51,8 +51,8 @@ QString SaveSheet::summaryOf(const SavePlan& plan) {
     const FileChange& change = plan.change();
     if (change.isEmpty()) return tr("Nothing will be written: the file has all of it already.");
     const auto places = static_cast<int>(change.writes.size()) + (change.flip ? 1 : 0);
-    const QString written = tr("%1 will be written, in %n place(s).", nullptr, places)
-                                .arg(bytesText(change.bytesWritten()));
+    QString written = tr("%1 will be written, in %n place(s).", nullptr, places)
+                          .arg(bytesText(change.bytesWritten()));
     switch (plan.way()) {
         case SavePlan::Way::Patch:
             return tr("%1 Nothing moves, and the media stays as it is.").arg(written);
