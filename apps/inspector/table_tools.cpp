@@ -82,10 +82,9 @@ void Table::goTo(quint64 entry) const {
     view->scrollTo(index, QAbstractItemView::PositionAtCenter);
 }
 
-Table tableIn(const VexQTAtomViewController* controller) {
+Table tableIn(VexQTAtomViewController* controller) {
     if (controller == nullptr || !controller->isViewLoaded()) return {};
-    QWidget* view = const_cast<VexQTAtomViewController*>(controller)->view();
-    const QList<QTableView*> tables = view->findChildren<QTableView*>();
+    const QList<QTableView*> tables = controller->view()->findChildren<QTableView*>();
     for (QTableView* table : tables)
         if (table->isAncestorOf(QApplication::focusWidget()) || table->hasFocus())
             return {table, controller};

@@ -28,7 +28,7 @@ struct Table {
 };
 
 /// The table of a view that has the focus, otherwise its first; null for none.
-Table tableIn(const VexQTAtomViewController* controller);
+Table tableIn(VexQTAtomViewController* controller);
 
 /// The selected cells, a line a row, fields parted by commas and quoted where they must be.
 QString selectionAsCsv(const QTableView& view);
