@@ -131,7 +131,7 @@ TEST_F(UndoOfSaves, RefusesAFileThatWasChangedSince) {
         SCOPED_TRACE(what);
         const auto [edited, before] = edit(write);
         const auto file = files.openForWriting(kMovie, error);
-        const auto restoreTime = [&] {
+        const auto restoreTime = [&, before = before] {
             file->setModified(before.modifiedSeconds, before.modifiedNanoseconds, error);
         };
         if (keepsTime) restoreTime();

@@ -96,7 +96,8 @@ TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
     const Bytes old = someBytes(2000);
     faults = 0;
     failed.clear();
-    for (const auto& [what, change] : changes()) {
+    for (const Case& test : changes()) {
+        const FileChange& change = test.change;
         const Bytes saved = changed(old, change);
         FaultyDisk disk;
         auto& memory = disk.memory;
@@ -119,7 +120,7 @@ TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
                 return;
             }
             failed.insert(operation);
-            SCOPED_TRACE(std::string(what) + (failure ? ": " + failure->what : ""));
+            SCOPED_TRACE(std::string(test.what) + (failure ? ": " + failure->what : ""));
             const bool isLeft = memory->paths().contains(kJournal);
             if (!failure) {
                 // What is done when the new movie has been written and nothing can be lost.
@@ -219,7 +220,8 @@ TEST(Fault, OfARollbackLeavesTheJournal) {
 TEST(Fault, OfARecoveryIsReportedAndItCanBeDoneAgain) {
     const Bytes old = someBytes(2000);
     faults = 0;
-    for (const auto& [what, change] : changes()) {
+    for (const Case& test : changes()) {
+        const FileChange& change = test.change;
         if (change.flip) continue;
         // A save that was interrupted before its last step.
         MemoryFileSystem source;
@@ -270,7 +272,8 @@ TEST(Fault, OfARecoveryIsReportedAndItCanBeDoneAgain) {
 TEST(Fault, OfARecordIsANote) {
     const Bytes old = someBytes(2000);
     faults = 0;
-    for (const auto& [what, change] : changes()) {
+    for (const Case& test : changes()) {
+        const FileChange& change = test.change;
         const Bytes saved = changed(old, change);
         FaultyDisk disk;
         auto& memory = disk.memory;
@@ -305,7 +308,8 @@ TEST(Fault, OfARecordIsANote) {
 TEST(Fault, OfAnUndoIsReportedAndItCanBeDoneAgain) {
     const Bytes old = someBytes(2000);
     faults = 0;
-    for (const auto& [what, change] : changes()) {
+    for (const Case& test : changes()) {
+        const FileChange& change = test.change;
         FaultyDisk disk;
         auto& memory = disk.memory;
         UndoResult result;
@@ -323,7 +327,7 @@ TEST(Fault, OfAnUndoIsReportedAndItCanBeDoneAgain) {
             result = undo(files, UndoStore(files, kStore), kMovie);
         };
         forEachFault(fresh, work, [&](const Fault& fault, const FaultyFileSystem&) {
-            SCOPED_TRACE(std::string(what) + ": " + result.text);
+            SCOPED_TRACE(std::string(test.what) + ": " + result.text);
             if (result.outcome == UndoResult::Outcome::Failed) {
                 EXPECT_TRUE(result.failure);
                 if (recover(*memory, kMovie).outcome == Recovery::Refused) {
