@@ -5,10 +5,18 @@
 #include <gtest/gtest.h>
 
 #include "saving/saves.h"
+#include "testing/reading.h"
+#include "vexqt/atoms/metadata/VexQTUserDataDirectTextItem.h"
 #include "vexqt/atoms/metadata/VexQTUserDataTextItem.h"
+#include "vexqt/atoms/metadata/VexQTdataAtom.h"
+#include "vexqt/atoms/sampledescriptions/VexQTsounSampleDescription.h"
+#include "vexqt/atoms/sampledescriptions/VexQTstsdAtom.h"
 #include "vexqt/atoms/structure/VexQTfreeAtom.h"
 #include "vexqt/atoms/structure/VexQTmoovAtom.h"
+#include "vexqt/atoms/structure/VexQTstblAtom.h"
 #include "vexqt/atoms/structure/VexQTtrakAtom.h"
+#include "vexqt/saving/ExactWriting.h"
+#include "vexqt/saving/Surgery.h"
 
 namespace vexqt {
 namespace {
@@ -102,6 +110,102 @@ TEST(Misreading, IsAnAtomThatItsClassDeclines) {
         << found;
 }
 
+TEST(Misreading, IsNoneOfAValueThatIsReadAsAnother) {
+    // A rate of -1 is written, and read as -2.
+    const auto made = std::make_unique<VexQTmoovAtom>();
+    made->addChild(std::make_unique<VexQTmvhdAtom>());
+    const auto edited = movieOf(atom("moov"_os, {kHeader}));
+    for (VexQTAtom* movie : {static_cast<VexQTAtom*>(made.get()), edited.get()}) {
+        dynamic_cast<VexQTmvhdAtom&>(*movie->children()[0]).setPreferredRate(-1);
+        const Bytes bytes = movie->atomData();
+        for (const SaveForm form : {SaveForm::Surgical, SaveForm::Exact}) {
+            EXPECT_EQ(misreading(*movie, bytes, form), "");
+            EXPECT_EQ(misreading(*movie, replaced(bytes, 8 + 28, u32(0x00020000)), form),
+                      "moov.mvhd: 'preferredRate' would not read back as edited");
+        }
+    }
+}
+
+/// Which rows there are follows from the version.
+TEST(Misreading, IsARowTooManyOrTooFew) {
+    const auto entryOf = [](std::uint16_t version) {
+        return atom("soun"_os, {zeros(6), u16(1), u16(version), zeros(10), u16(2), u16(16),
+                                zeros(4), u32(48000 << 4), version == 1 ? zeros(16) : Bytes()});
+    };
+    const auto read = [](const Bytes& bytes) {
+        return VexQTAtom::make(VexQTsounSampleDescription::kClass, bytes, nullptr, 0);
+    };
+    EXPECT_EQ(misreading(*read(entryOf(1)), entryOf(1)), "");
+    for (const std::uint16_t version : {0, 1}) {
+        const auto meant = read(entryOf(version));
+        const auto other = static_cast<std::uint16_t>(1 - version);
+        // The same version with the rows of the other.
+        EXPECT_NE(misreading(*meant, entryOf(other)), "");
+    }
+}
+
+TEST(Misreading, IsAnotherTypeOfTheSameClass) {
+    const auto textOf = [](OSType type) { return atom(type, {text("some text")}); };
+    const auto item = VexQTUserDataDirectTextItem::initWithData(textOf("XMP_"_os), nullptr, 0);
+    EXPECT_EQ(misreading(*item, textOf("XMP_"_os)), "");
+    EXPECT_EQ(misreading(*item, textOf("name"_os)),
+              "moov: would read back as another kind of atom");
+    item->setText("abc");
+    EXPECT_EQ(misreading(*item, textOf("XMP_"_os)),
+              "moov: 'text' would not read back as edited");
+}
+
+TEST(Misreading, IsALengthThatItsTextDoesNotHave) {
+    const auto texts = [](std::string_view words) {
+        return atom(0xA96E616D,
+                    {u16(static_cast<std::uint16_t>(words.size())), u16(1), text(words)});
+    };
+    const auto item = VexQTUserDataTextItem::initWithData(texts("title"), nullptr, 0);
+    item->setText("a longer title");
+    EXPECT_EQ(misreading(*item, texts("a longer title")), "");
+    EXPECT_NE(misreading(*item, texts("title")), "");
+}
+
+TEST(Misreading, IsAByteThatNoPropertyHolds) {
+    const auto tableOf = [](std::uint32_t rest) {
+        return atom("stsd"_os, {u32(0), u32(1), atom("abcd"_os, {zeros(6), u16(1), u32(rest)})});
+    };
+    const auto table = VexQTstsdAtom::initWithData(tableOf(7), nullptr, 0);
+    EXPECT_EQ(misreading(*table, tableOf(7)), "");
+    EXPECT_EQ(misreading(*table, tableOf(8)), "moov.abcd: its bytes would not read back as edited");
+}
+
+TEST(Misreading, IsAnAtomThatIsDeclinedAsAnother) {
+    const auto tableOf = [](OSType type) { return atom("stbl"_os, {atom(type, {u32(7)})}); };
+    const auto table = readTolerantly<VexQTstblAtom>(tableOf("stts"_os)).atom;
+    ASSERT_TRUE(table->children()[0]->declinedClass());
+    EXPECT_EQ(misreading(*table, tableOf("stts"_os)), "");
+    EXPECT_EQ(misreading(*table, tableOf("stsz"_os)),
+              "moov.stts: would read back as another kind of atom");
+}
+
+TEST(Misreading, IsNoneOfAnAtomThatHasNeverHadBytes) {
+    const auto movie = movieOf(atom("moov"_os, {kHeader}));
+    movie->addChild(VexQTAtom::kClass.create());
+    movie->children().back()->setAtomType("abcd"_os);
+    movie->addChild(std::make_unique<VexQTmvhdAtom>());
+    EXPECT_EQ(misreading(*movie, movie->atomData()), "");
+}
+
+/// What its class cannot write is compared by what is in it.
+TEST(Misreading, IsNoneOfAValueThatIsMetadata) {
+    const Bytes bytes = atom("data"_os, {u32(28), u32(0), atom("meta"_os, {kRaw})});
+    const auto value = VexQTdataAtom::initWithData(bytes, nullptr, 0);
+    ASSERT_EQ(value->children().size(), 1U);
+    EXPECT_EQ(misreading(*value, bytes), "");
+    Surgery surgery;
+    EXPECT_TRUE(std::ranges::equal(surgery.written(*value).flat().view(), bytes));
+    const auto findings = exactWritingFindings(*value, "data");
+    ASSERT_FALSE(findings.empty());
+    EXPECT_EQ(findings[0].id, "atom-refuses");
+    EXPECT_EQ(findings[0].severity, Severity::Destroys);
+}
+
 TEST(Misreading, IsARootAtomThatIsNotRead) {
     const auto header = VexQTmvhdAtom::initWithData(kHeader, nullptr, 0);
     EXPECT_EQ(misreading(*header, atom("mvhd"_os, {u32(0)})),
@@ -119,6 +223,8 @@ TEST(StrictFailure, NamesTheAtomInsideOrTheRootItself) {
     EXPECT_EQ(failure(VexQTmoovAtom::kClass, kMovie), "");
     EXPECT_EQ(failure(VexQTmvhdAtom::kClass, atom("mvhd"_os, {u32(0)})),
               "root: VexQTmvhdAtom declines its bytes");
+    EXPECT_EQ(failure(VexQTstsdAtom::kClass, atom("stsd"_os, {u32(0), u32(5)})),
+              "root: 4 bytes wanted at 16, 16 there");
     const std::string inside =
         failure(VexQTmoovAtom::kClass, atom("moov"_os, {atomClaiming(99, "trak"_os, {kRaw})}));
     EXPECT_EQ(inside.find("root.trak: "), 0U) << inside;

@@ -16,6 +16,14 @@ using namespace vexqt::testing;
 
 // MARK: The ways of saving
 
+TEST(SafeSave, HasANameForEachOfItsWays) {
+    using Way = SavePlan::Way;
+    EXPECT_EQ(textOf(Way::Nothing), "nothing");
+    EXPECT_EQ(textOf(Way::Patch), "patch");
+    EXPECT_EQ(textOf(Way::InOldPlace), "in the old place");
+    EXPECT_EQ(textOf(Way::Move), "move");
+}
+
 TEST(SafeSave, WithoutAnEditTouchesNothing) {
     const Saved all = saved(join({kFileType, movie(8), kMedia}), leaveAlone);
     EXPECT_EQ(all.result.outcome, SaveResult::Outcome::NothingToDo);

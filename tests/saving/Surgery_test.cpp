@@ -14,6 +14,7 @@
 #include "vexqt/atoms/sampledescriptions/VexQTmebxkeysAtom.h"
 #include "vexqt/atoms/sampletables/VexQTelstAtom.h"
 #include "vexqt/atoms/sampletables/VexQTsttsAtom.h"
+#include "vexqt/atoms/structure/VexQTfreeAtom.h"
 #include "vexqt/atoms/structure/VexQTmoovAtom.h"
 #include "vexqt/saving/Surgery.h"
 
@@ -313,6 +314,11 @@ TEST(SurgeryOfChildren, DeclinedAtomsKeepTheirBytes) {
     EXPECT_EQ(surgical(*movie), bytes);
 }
 
+TEST(Surgery, OfFreeSpaceIsItsBytes) {
+    const Bytes space = atom("free"_os, {u32(7)});
+    EXPECT_EQ(surgical(*VexQTfreeAtom::initWithData(space, nullptr, 0)), space);
+}
+
 TEST(SurgeryOfChildren, ADeclinedRootWithAnExtendedSizeKeepsItsBytes) {
     // From the eighth byte on, where root atoms are read from, it begins like one more extended
     // header, which is cut short.
@@ -496,6 +502,16 @@ TEST(LongText, LosesThePaddingWithWhichItWouldBeCutShort) {
 }
 
 // MARK: Rows
+
+TEST(NameOfARow, IsThatOfTheFirstPropertyBehindItThatHasOne) {
+    const auto decode = [](Record&, AtomReader&) {};
+    static constexpr void (*kDecode)(Record&, AtomReader&) = +decode;
+    const Field fields[] = {{.decode = kDecode}, {}, {.name = "text"}, {.decode = kDecode}};
+    AtomClass cls = VexQTmoovAtom::kClass;
+    cls.fields = fields;
+    EXPECT_EQ(nameOfRow(cls, fields[0]), "text");
+    EXPECT_EQ(nameOfRow(cls, fields[3]), "");
+}
 
 TEST(MergedRow, KeepsTheBytesInFrontOfTheValuesUntilTheyAreEdited) {
     Field row;

@@ -8,6 +8,7 @@
 
 #include "saving/FaultyFileSystem.h"
 #include "saving/changes.h"
+#include "testing/files.h"
 #include "vexqt/platform/MemoryFileSystem.h"
 #include "vexqt/saving/Journal.h"
 
@@ -337,6 +338,23 @@ TEST_F(UndoOfSaves, IsOffWithoutAFolder) {
     EXPECT_EQ(vexqt::undo(files, off, "/movies/a.mov").outcome, Outcome::NothingToUndo);
 }
 
+TEST_F(UndoOfSaves, HasNothingToUndoWhereNoFolderWasMadeYet) {
+    const TemporaryFolder folder;
+    const UndoStore none(systemFiles(), folder / "none");
+    EXPECT_EQ(none.recordsOf(kMovie, error), std::vector<fs::path>());
+    EXPECT_FALSE(error) << error.message();
+}
+
+TEST_F(UndoOfSaves, LeavesNoHalfRecordWhereThereIsNoMemory) {
+    FaultyFileSystem poor(files);
+    poor.beforeRename = [] { throw std::bad_alloc(); };
+    FileTransaction transaction(poor);
+    ASSERT_FALSE(transaction.open(kMovie, *files.identityOf(kMovie, error)));
+    ASSERT_FALSE(transaction.apply(kPatch));
+    EXPECT_THROW(UndoStore(poor, kStore).keep(transaction), std::bad_alloc);
+    EXPECT_EQ(files.paths(), std::set<fs::path>{kMovie});
+}
+
 TEST_F(UndoOfSaves, SaysWhichMovieIsMissing) {
     const UndoResult result = vexqt::undo(files, store(), "/movies/none.mov");
     EXPECT_EQ(result.outcome, Outcome::Failed);
@@ -428,6 +446,7 @@ TEST_F(UndoOfSaves, LeavesAloneWhatIsNoRecord) {
     const std::vector<fs::path> foreign = {
         kStore / "notes.txt",
         kStore / (digest + "-1"),
+        kStore / (digest + "-1-x.undo"),
         kStore / (digest + "-1-2"),
         kStore / (digest + "-1-2.undo.bak"),
         kStore / (digest + "-01-2.undo"),

@@ -4,6 +4,7 @@
 
 #include <iostream>
 #include <set>
+#include <stdexcept>
 
 #include "saving/FaultyFileSystem.h"
 #include "saving/changes.h"
@@ -215,6 +216,37 @@ TEST(Fault, OfARollbackLeavesTheJournal) {
         EXPECT_EQ(memory->paths(), std::set<fs::path>{kMovie});
     });
     EXPECT_GT(rollbacksFailed, 20U);
+}
+
+/// What stops a save may come from the callbacks, and what stops its rollback from the disk.
+TEST(Fault, OfARollbackIsToldWhereACallbackHasThrown) {
+    for (const bool isPoor : {false, true}) {
+        MemoryFileSystem memory;
+        memory.put(kMovie, someBytes(2000));
+        FaultyFileSystem files(memory);
+        std::error_code error;
+        std::optional<FileTransaction> transaction(files);
+        ASSERT_FALSE(transaction->open(kMovie, *memory.identityOf(kMovie, error)));
+        const auto stop = [&](File&) -> bool {
+            if (isPoor) {
+                files.beforeOperation = [](std::size_t) { throw std::bad_alloc(); };
+            } else {
+                files.setFault(Fault{std::make_error_code(std::errc::io_error), 0, true});
+            }
+            throw std::runtime_error("stop");
+        };
+        const auto failure = transaction->apply(changeOf(2000, 2000, {{100, 4}}),
+                                               {.progress = {}, .verify = stop});
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->reason, Reason::RollBackFailed);
+        EXPECT_EQ(failure->code, isPoor ? std::errc::not_enough_memory : std::errc::io_error);
+        EXPECT_EQ(failure->what.find("the save was stopped; putting the old bytes back failed"),
+                  0U)
+            << failure->what;
+        transaction.reset();
+        EXPECT_EQ(recover(memory, kMovie).outcome, Recovery::RolledBack);
+        EXPECT_EQ(memory.bytes(kMovie), someBytes(2000));
+    }
 }
 
 TEST(Fault, OfARecoveryIsReportedAndItCanBeDoneAgain) {
@@ -663,6 +695,15 @@ TEST(Copy, GivesUpWhereAHundredNamesAreTaken) {
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->code, std::errc::file_exists);
     EXPECT_EQ(files.paths().size(), 100U);
+
+    EditedMovie movie;
+    FaultyFileSystem& disk = movie.fresh(saveCases()[0]);
+    const fs::path folder = movie.path.parent_path();
+    for (const fs::path& path : files.paths()) movie.memory->put(folder / path.filename(), {});
+    const SaveResult result = saveCopy(*movie.asset, folder / "b.mov", {}, disk);
+    EXPECT_EQ(result.outcome, SaveResult::Outcome::Failed);
+    EXPECT_EQ(result.failure->code, std::errc::file_exists);
+    EXPECT_EQ(movie.others().size(), 100U);
 }
 
 TEST(Copy, IsMadeUnderANameThatFitsWhateverItsOwnIs) {
@@ -681,6 +722,15 @@ TEST(Copy, IsMadeUnderANameThatFitsWhateverItsOwnIs) {
         const std::size_t kept = draft.find(".vexqt-") - 1;
         EXPECT_EQ(kept, name[0] == 'a' ? 100U : name == euros ? 99U : 0U) << draft;
         EXPECT_EQ(draft.substr(1, kept), name.substr(0, kept));
+
+        EditedMovie movie;
+        FaultyFileSystem& disk = movie.fresh(saveCases()[0]);
+        const fs::path copy = movie.path.parent_path() / name;
+        std::set<fs::path> drafts;
+        disk.beforeRename = [&] { drafts = movie.others(); };
+        EXPECT_EQ(saveCopy(*movie.asset, copy, {}, disk).outcome, SaveResult::Outcome::Saved);
+        ASSERT_EQ(drafts.size(), 1U);
+        EXPECT_EQ(drafts.begin()->filename(), draft);
     }
 }
 

@@ -341,7 +341,7 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
             continue;
         }
         const bool isOutNow = !isPresent(row, atom);
-        if (row.encode == nullptr && !isOutNow) continue;
+        if (row.encode == nullptr) continue;
         body.append(read.part(position, part->start));
         position = part->end;
         if (isOutNow) continue;  // The edit of another row threw this one out.
