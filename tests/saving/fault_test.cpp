@@ -235,13 +235,12 @@ TEST(Fault, OfARollbackIsToldWhereACallbackHasThrown) {
             }
             throw std::runtime_error("stop");
         };
-        const auto failure = transaction->apply(changeOf(2000, 2000, {{100, 4}}),
-                                               {.progress = {}, .verify = stop});
+        const auto failure =
+            transaction->apply(changeOf(2000, 2000, {{100, 4}}), {.progress = {}, .verify = stop});
         ASSERT_TRUE(failure);
         EXPECT_EQ(failure->reason, Reason::RollBackFailed);
         EXPECT_EQ(failure->code, isPoor ? std::errc::not_enough_memory : std::errc::io_error);
-        EXPECT_EQ(failure->what.find("the save was stopped; putting the old bytes back failed"),
-                  0U)
+        EXPECT_EQ(failure->what.find("the save was stopped; putting the old bytes back failed"), 0U)
             << failure->what;
         transaction.reset();
         EXPECT_EQ(recover(memory, kMovie).outcome, Recovery::RolledBack);
