@@ -289,6 +289,22 @@ TEST(RowThatAnEditBringsIn, IsMeantToHaveTheBytesThatItsClassWrites) {
     EXPECT_EQ(misreading(*odd, edited), found) << "it is there";
 }
 
+TEST(EditedRow, OfWhatIsOutOrWasNotThereIsWhatIsWrittenNow) {
+    const auto odd = Odd::initWithData(atom("odd "_os, {u32(7), u32(5)}), nullptr, 0);
+    const AtomAsRead read(*odd);
+    const Survey::Part& second = read.survey.rows.back();
+    EXPECT_FALSE(editedRow(second, read, *odd));
+    odd->hasSecond = false;
+    const auto out = editedRow(second, read, *odd);
+    ASSERT_TRUE(out);
+    EXPECT_EQ(out->bytes, Bytes());
+    odd->hasSecond = true;
+    dynamic_cast<Odd&>(*read.record).hasSecond = false;
+    const auto in = editedRow(second, read, *odd);
+    ASSERT_TRUE(in);
+    EXPECT_EQ(in->bytes, u32(6));
+}
+
 /// Bytes and nothing that its class knows of.
 class Unknown final : public AtomOf<Unknown> {
 public:
