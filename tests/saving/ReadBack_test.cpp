@@ -136,7 +136,7 @@ TEST(Misreading, IsARowTooManyOrTooFew) {
         return VexQTAtom::make(VexQTsounSampleDescription::kClass, bytes, nullptr, 0);
     };
     EXPECT_EQ(misreading(*read(entryOf(1)), entryOf(1)), "");
-    for (const std::uint16_t version : {0, 1}) {
+    for (const std::uint16_t version : {std::uint16_t{0}, std::uint16_t{1}}) {
         const auto meant = read(entryOf(version));
         const auto other = static_cast<std::uint16_t>(1 - version);
         // The same version with the rows of the other.

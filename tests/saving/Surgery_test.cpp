@@ -522,7 +522,8 @@ TEST(MergedRow, KeepsTheBytesInFrontOfTheValuesUntilTheyAreEdited) {
 
 TEST(MergedRow, OfColumnsWithoutAWidthIsWhatIsWrittenNow) {
     static constexpr Field columns[] = {{.width = 2}, {.width = 0}};
-    static constexpr ListAccess list = {.columns = columns};
+    ListAccess list{};
+    list.columns = columns;
     Field row;
     row.list = &list;
     EXPECT_EQ(mergedRow(row, text("AABB"), text("aabb"), text("aaXX")).bytes, text("aaXX"));
