@@ -49,6 +49,9 @@ Taken taken(const Bytes& bytes) {
     return {atom->atomSize(), atom->atomTypeString(), atom->unknownData()->size()};
 }
 
+/// Another type than that of the class.
+constexpr OSType kHeldType = "abcd"_os;
+
 const Bytes kShort = atomClaiming(99, "abcd"_os, {zeros(12)});
 const Bytes kShortZero = atomClaiming(0, "abcd"_os, {zeros(12)});
 const Bytes kExtended = extendedAtomClaiming(99, "abcd"_os, {zeros(12)});
@@ -168,7 +171,7 @@ TEST(WrittenHeader, IsPatchedWhereTheAtomBegins) {
 template <SizeRule rule>
 std::unique_ptr<Ruled<HeaderRule::Read, WrittenHeader::Short, rule>> sized() {
     return Ruled<HeaderRule::Read, WrittenHeader::Short, rule>::initWithData(
-        atomClaiming(99, "abcd"_os, {text("xyz")}), nullptr, 0);
+        atomClaiming(99, kHeldType, {text("xyz")}), nullptr, 0);
 }
 
 TEST(SizeRule, RecomputedStoresWhatWasWritten) {
@@ -192,7 +195,7 @@ TEST(SizeRule, NotRecomputedWritesTheSizeThatIsHeld) {
 template <WrittenHeader header, TypeRule rule>
 std::string typesWrittenAndHeld() {
     const auto atom = Ruled<HeaderRule::Read, header, SizeRule::Recomputed, rule>::initWithData(
-        testing::atom("abcd"_os), nullptr, 0);
+        testing::atom(kHeldType), nullptr, 0);
     const Bytes bytes = atom->atomData();
     return std::string(bytes.begin() + 4, bytes.end()) + ' ' + atom->atomTypeString();
 }

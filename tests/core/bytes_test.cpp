@@ -128,6 +128,20 @@ TEST(SharedBytes, PartsKeepTheBlockAlive) {
     EXPECT_EQ(Bytes(part.view().begin(), part.view().end()), (Bytes{0x07, 0x18}));
 }
 
+TEST(SharedBytes, TellWhereAPartOfTheirBlockLiesInThem) {
+    const SharedBytes block = SharedBytes::copyOf(kFifteen);
+    const SharedBytes four = block.part(3, 4);
+    EXPECT_EQ(four.offsetOf(four), 0U);
+    EXPECT_EQ(four.offsetOf(block.part(5, 2)), 2U);
+    EXPECT_EQ(four.offsetOf(block.part(7, 0)), 4U);
+    EXPECT_EQ(four.offsetOf(block.part(2, 2)), std::nullopt) << "in front";
+    EXPECT_EQ(four.offsetOf(block.part(8, 1)), std::nullopt) << "behind";
+    EXPECT_EQ(four.offsetOf(block.part(5, 3)), std::nullopt) << "over the end";
+    EXPECT_EQ(four.offsetOf(SharedBytes::copyOf(kFifteen)), std::nullopt) << "another block";
+    EXPECT_EQ(SharedBytes().offsetOf(four), std::nullopt);
+    EXPECT_EQ(four.offsetOf(SharedBytes()), std::nullopt);
+}
+
 TEST(SharedBytes, OfNothingAreEmpty) {
     EXPECT_EQ(SharedBytes().size(), 0U);
     EXPECT_TRUE(SharedBytes().view().empty());

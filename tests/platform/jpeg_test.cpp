@@ -56,8 +56,8 @@ void progressive(jpeg_compress_struct& info) { jpeg_simple_progression(&info); }
 /// The place of the frame header, whose height and width come 5 and 7 bytes on.
 std::size_t frameHeader(const Bytes& bytes) {
     const Bytes marker = {0xFF, 0xC0};
-    const auto found = std::ranges::search(bytes, marker);
-    return static_cast<std::size_t>(found.begin() - bytes.begin());
+    const auto found = std::search(bytes.begin(), bytes.end(), marker.begin(), marker.end());
+    return static_cast<std::size_t>(found - bytes.begin());
 }
 
 constexpr std::array<Pixel, 4> kGreys = {{{10}, {80}, {160}, {240}}};

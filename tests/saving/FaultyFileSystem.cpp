@@ -109,10 +109,12 @@ fs::path FaultyFileSystem::resolve(const fs::path& path, std::error_code& error)
 }
 
 void FaultyFileSystem::rename(const fs::path& from, const fs::path& to, std::error_code& error) {
+    if (beforeRename) beforeRename();
     if (!fails("rename", error)) base_.rename(from, to, error);
 }
 
 void FaultyFileSystem::remove(const fs::path& path, std::error_code& error) {
+    if (beforeRemoval) beforeRemoval();
     if (!fails("remove", error)) base_.remove(path, error);
 }
 
@@ -126,6 +128,7 @@ std::vector<fs::path> FaultyFileSystem::list(const fs::path& folder, std::error_
 }
 
 void FaultyFileSystem::flushDirectory(const fs::path& directory, std::error_code& error) {
+    if (beforeFlushOfDirectory) beforeFlushOfDirectory();
     if (!fails("flushDirectory", error)) base_.flushDirectory(directory, error);
 }
 

@@ -29,6 +29,8 @@ public:
     std::vector<std::string> operations;
     /// Called with the number of each before it is done.
     std::function<void(std::size_t)> beforeOperation;
+    /// Called before each of that kind.
+    std::function<void()> beforeRemoval, beforeRename, beforeFlushOfDirectory;
 
     std::unique_ptr<File> openForReading(const std::filesystem::path& path,
                                          std::error_code& error) override;

@@ -59,6 +59,7 @@ TEST_F(FileTransactions, MakeTheChange) {
         {"cut off", changeOf(3000, 0, {})},
         {"all of it", changeOf(3000, 2000, {{0, 2000}})},
         {"longer than a block", changeOf(3000, 9'000'000, {{2999, 8'997'001}})},
+        {"a write of nothing", changeOf(3000, 3000, {{50, 0}, {100, 4}})},
         {"flipped", kFlip},
         {"flipped alone", changeOf(3000, 3000, {}, Patch{0, 8})},
         {"flipped with two writes", changeOf(3000, 3700, {{3000, 3}, {3003, 697}}, Patch{9, 4})},
@@ -224,6 +225,16 @@ TEST_F(FileTransactions, WhatDoesNotReadBackAsMeantIsTakenBack) {
         expectOld();
         EXPECT_EQ(identity(), before) << "it was not even modified";
     }
+}
+
+TEST_F(FileTransactions, TakesBackMoreThanItReadsAtOnce) {
+    const Bytes longer = someBytes(3'500'000);
+    files.put(kMovie, longer);
+    const auto failure = change(changeOf(3'500'000, 3'000'000, {{7, 2'800'000}}),
+                                {.progress = {}, .verify = [](File&) { return false; }});
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->reason, Reason::NotAsMeant);
+    EXPECT_TRUE(files.bytes(kMovie) == longer);
 }
 
 TEST_F(FileTransactions, ACallbackThatThrowsStopsTheSave) {

@@ -16,6 +16,14 @@ using namespace vexqt::testing;
 
 // MARK: The ways of saving
 
+TEST(SafeSave, HasANameForEachOfItsWays) {
+    using Way = SavePlan::Way;
+    EXPECT_EQ(textOf(Way::Nothing), "nothing");
+    EXPECT_EQ(textOf(Way::Patch), "patch");
+    EXPECT_EQ(textOf(Way::InOldPlace), "in the old place");
+    EXPECT_EQ(textOf(Way::Move), "move");
+}
+
 TEST(SafeSave, WithoutAnEditTouchesNothing) {
     const Saved all = saved(join({kFileType, movie(8), kMedia}), leaveAlone);
     EXPECT_EQ(all.result.outcome, SaveResult::Outcome::NothingToDo);
@@ -231,7 +239,113 @@ TEST(SafeSave, SavingTwiceNeedsReadingInBetween) {
     EXPECT_EQ(saveInPlace(*again).outcome, SaveResult::Outcome::NothingToDo);
 }
 
+TEST(SafeSave, OfAMovieThatWasNotReadFromAFileFails) {
+    const TemporaryFolder folder;
+    const auto asset = VexQTAsset::initWithData(join({kFileType, movie(8), kMedia}));
+    setTimeScale(*asset);
+    for (const SaveResult& result : {saveInPlace(*asset), saveCopy(*asset, folder / "b.mov")}) {
+        EXPECT_EQ(result.outcome, SaveResult::Outcome::Failed);
+        ASSERT_TRUE(result.failure);
+        EXPECT_EQ(result.failure->what, "the movie was not read from a file");
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+}
+
+// MARK: Root atoms that were not in the file
+
+Editing add(std::function<std::unique_ptr<VexQTAtom>()> root) {
+    return [=](VexQTAsset& asset) { asset.rootAtoms().push_back(root()); };
+}
+std::unique_ptr<VexQTAtom> newMovie() {
+    auto made = std::make_unique<VexQTmoovAtom>();
+    auto inside = std::make_unique<VexQTmvhdAtom>();
+    inside->setTimeScale(77);
+    made->addChild(std::move(inside));
+    return made;
+}
+
+TEST(SafeSave, ANewRootAtomIsWrittenBehindTheLastAtom) {
+    const Bytes made = newMovie()->atomData();
+    const Bytes fileType = VexQTftypAtom().atomData();
+    const auto newFileType = [] { return std::make_unique<VexQTftypAtom>(); };
+    const Bytes cut = atomClaiming(500, "mdat"_os, {zeros(100)});
+    const Bytes plain = join({kFileType, movie(8), kMedia});
+    const struct {
+        std::string_view what;
+        Bytes before;
+        Editing edit;
+        Bytes after;
+    } kCases[] = {
+        {"behind media", join({kFileType, kMedia}), add(newMovie), join({kFileType, kMedia, made})},
+        {"behind nothing", {}, add(newMovie), made},
+        {"behind media cut short", cut, add(newMovie), join({atom("mdat"_os, {zeros(100)}), made})},
+        {"a file type", join({kMedia, movie(8)}), add(newFileType),
+         join({kMedia, movie(8), fileType})},
+        {"another movie", plain, add(newMovie), join({plain, made})},
+    };
+    for (const auto& test : kCases) {
+        SCOPED_TRACE(test.what);
+        const Saved all = saved(test.before, test.edit);
+        EXPECT_EQ(all.result.outcome, SaveResult::Outcome::Saved) << all.report;
+        EXPECT_FALSE(all.has("movie-cut-short"));
+        EXPECT_FALSE(all.has("movie-no-longer-first"));
+        EXPECT_EQ(all.after, test.after);
+    }
+}
+
+TEST(SafeSave, ANewMovieStaysBehindTheFirstOneThatMoves) {
+    const Bytes before = join({kFileType, movie(8), kMedia});
+    const Saved all = saved(before, [](VexQTAsset& asset) {
+        grow(40)(asset);
+        add(newMovie)(asset);
+    });
+    EXPECT_EQ(all.result.outcome, SaveResult::Outcome::Saved) << all.report;
+    const auto again = VexQTAsset::initWithData(all.after);
+    ASSERT_EQ(again->rootAtoms().size(), 5U);
+    EXPECT_EQ(again->rootAtoms()[1]->atomType(), "free"_os);
+    EXPECT_EQ(again->valueForKeyPath("moov.mvhd.timeScale"), Value(600));
+    EXPECT_EQ(again->rootAtoms()[4]->atomData(), newMovie()->atomData());
+}
+
+TEST(SafeSave, TwoMoviesThatMoveAreBothFreedWhereTheyLay) {
+    const Bytes before = join({kFileType, movie(8), movie(9), kMedia});
+    const auto growBoth = [](VexQTAsset& asset) {
+        for (const std::size_t root : {1, 2})
+            asset.rootAtoms()[root]->addChild(
+                VexQTAtom::initWithData(atom("skip"_os, {Bytes(400, 0x22)}), nullptr, 0));
+    };
+    EXPECT_EQ(saved(before, growBoth).result.outcome, SaveResult::Outcome::Refused);
+    const Saved all = saved(before, growBoth, {.force = true});
+    EXPECT_EQ(all.result.outcome, SaveResult::Outcome::Saved) << all.report;
+    const auto again = VexQTAsset::initWithData(all.after);
+    ASSERT_EQ(again->rootAtoms().size(), 6U);
+    EXPECT_EQ(again->rootAtoms()[1]->atomType(), "free"_os);
+    EXPECT_EQ(again->rootAtoms()[2]->atomType(), "free"_os);
+    EXPECT_EQ(again->rootAtoms()[4]->childWithType("wide"_os)->extent().length, 16U);
+    EXPECT_EQ(again->rootAtoms()[5]->childWithType("wide"_os)->extent().length, 17U);
+}
+
+TEST(SafeSave, TheTypeOfAShortRootAtomIsPatched) {
+    const Bytes before = join({kFileType, atom("abcd"_os, {u32(1)}), kMedia, movie(8)});
+    const Saved all =
+        saved(before, [](VexQTAsset& asset) { asset.rootAtoms()[1]->setAtomType("efgh"_os); });
+    EXPECT_EQ(all.result.outcome, SaveResult::Outcome::Saved) << all.report;
+    EXPECT_EQ(all.after, join({kFileType, atom("efgh"_os, {u32(1)}), kMedia, movie(8)}));
+}
+
 // MARK: Exact saving and its findings
+
+TEST(ExactSave, WithoutAMovieHasNothingToDo) {
+    const SaveOptions exact = {.form = SaveForm::Exact};
+    const Saved none = saved(join({kFileType, kMedia}), leaveAlone, exact);
+    EXPECT_EQ(none.result.outcome, SaveResult::Outcome::NothingToDo) << none.report;
+    EXPECT_EQ(none.result.plan.way(), SavePlan::Way::Nothing);
+    const Saved renamed = saved(
+        join({kFileType, kMedia, movie(8)}),
+        [](VexQTAsset& asset) { asset.rootAtoms()[2]->setAtomType("abcd"_os); }, exact);
+    EXPECT_EQ(renamed.result.outcome, SaveResult::Outcome::NothingToDo) << renamed.report;
+    EXPECT_EQ(renamed.after, renamed.before);
+}
 
 TEST(ExactSave, LeavesTheBytesOfWritingInPlace) {
     const Bytes layouts[] = {
@@ -288,6 +402,32 @@ TEST(SaveCopy, HoldsTheEditAndLeavesTheMovieAlone) {
     Bytes expected = bytes;
     std::ranges::copy(u32(90000), expected.begin() + 48);
     EXPECT_EQ(readFile(folder / "b.mov"), expected);
+}
+
+TEST(SaveCopy, WithoutAnEditIsTheMovie) {
+    const TemporaryFolder folder;
+    const Bytes bytes = join({kFileType, movie(8), kMedia});
+    writeFile(folder / "a.mov", bytes);
+    std::error_code error;
+    const auto asset = VexQTAsset::initWithURL(folder / "a.mov", error);
+    EXPECT_EQ(saveCopy(*asset, folder / "b.mov").outcome, SaveResult::Outcome::Saved);
+    EXPECT_EQ(readFile(folder / "b.mov"), bytes);
+    const auto made = VexQTAsset::initWithData(bytes);
+    EXPECT_EQ(saveCopy(*made, bytes, folder / "c.mov").outcome, SaveResult::Outcome::Saved);
+    EXPECT_EQ(readFile(folder / "c.mov"), bytes);
+}
+
+TEST(SaveCopy, OfOtherBytesThanWereReadIsRefused) {
+    const TemporaryFolder folder;
+    const Bytes bytes = join({kFileType, kMedia, movie(8)});
+    const auto asset = VexQTAsset::initWithData(bytes);
+    setTimeScale(*asset);
+    for (const std::size_t length : {bytes.size() - 1, std::size_t{30}, std::size_t{0}}) {
+        const SaveResult result =
+            saveCopy(*asset, ByteView(bytes).first(length), folder / "b.mov", {.force = true});
+        EXPECT_EQ(result.outcome, SaveResult::Outcome::Refused);
+        EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
+    }
 }
 
 TEST(SaveCopy, RefusesTheMovieItselfUnderAnyName) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "testing/bytes.h"
+#include "testing/reading.h"
 #include "vexqt/asset/VexQTAsset.h"
 #include "vexqt/atoms/headers/VexQTmvhdAtom.h"
 #include "vexqt/atoms/headers/VexQTtkhdAtom.h"
@@ -13,6 +14,7 @@
 #include "vexqt/atoms/sampledescriptions/VexQTmebxkeysAtom.h"
 #include "vexqt/atoms/sampletables/VexQTelstAtom.h"
 #include "vexqt/atoms/sampletables/VexQTsttsAtom.h"
+#include "vexqt/atoms/structure/VexQTfreeAtom.h"
 #include "vexqt/atoms/structure/VexQTmoovAtom.h"
 #include "vexqt/saving/Surgery.h"
 
@@ -76,6 +78,7 @@ TEST(Surgery, UneditedAtomsComeBackWhateverTheirClassesWouldWrite) {
          atom("moov"_os, {extendedAtomClaiming(16 + 12, "trak"_os, {atom("wide"_os, {u32(5)})})})},
         {"a child whose size reaches to the end",
          atom("moov"_os, {atomClaiming(0, "wide"_os, {u32(5)})})},
+        {"fewer bytes than a header has", zeros(4)},
         {"a size field that tells less than there is", atomClaiming(12, "moov"_os, {kHeader})},
     };
     for (const auto& test : kCases) {
@@ -144,6 +147,13 @@ TEST_F(EditList, AnInsertedRowLeavesTheOthersAsTheyWereRead) {
                                zeros(12), u32(200), u32(50), u32(0xFFFF0000), text("tail")}));
 }
 
+TEST_F(EditList, ARowAddedAtTheEndLeavesTheOthersAsTheyWereRead) {
+    elst->editListEntries().emplace_back();
+    EXPECT_EQ(surgical(*elst),
+              atom("elst"_os, {u32(0x00000007), u32(3), u32(100), u32(0), u32(0xFFFF0000), u32(200),
+                               u32(50), u32(0xFFFF0000), zeros(12), text("tail")}));
+}
+
 TEST_F(EditList, ARemovedRowLeavesTheOthersAsTheyWereRead) {
     elst->editListEntries().erase(elst->editListEntries().begin());
     EXPECT_EQ(surgical(*elst), atom("elst"_os, {u32(0x00000007), u32(1), u32(200), u32(50),
@@ -206,6 +216,28 @@ TEST(SurgeryOfChildren, ChildrenInANewOrderAreWrittenInIt) {
     EXPECT_EQ(surgery.edits()[0].atom, movie->children()[0].get());
 }
 
+TEST(SurgeryOfChildren, AChildThatMovesTakesItsBytesAlong) {
+    const Bytes odd = atom("stts"_os, {u32(0x00ABCDEF), u32(0)});
+    const auto movie = movieOf({atom("trak"_os, {odd, kSecond}), atom("trak"_os, {kFirst})});
+    auto& track = *movie->children()[0];
+    auto& other = *movie->children()[1];
+    const auto move = [](VexQTAtom& from, std::size_t place, VexQTAtom& to) {
+        auto child = std::move(from.children()[place]);
+        from.children().erase(from.children().begin() + static_cast<std::ptrdiff_t>(place));
+        to.addChild(std::move(child));
+    };
+    move(track, 0, *movie);
+    EXPECT_EQ(surgical(*movie),
+              atom("moov"_os, {atom("trak"_os, {kSecond}), atom("trak"_os, {kFirst}), odd}));
+    move(other, 0, *movie);
+    EXPECT_EQ(surgical(*movie),
+              atom("moov"_os, {atom("trak"_os, {kSecond}), atom("trak"_os), odd, kFirst}));
+    move(*movie, 3, track);
+    move(track, 0, other);
+    EXPECT_EQ(surgical(*movie),
+              atom("moov"_os, {atom("trak"_os, {kFirst}), atom("trak"_os, {kSecond}), odd}));
+}
+
 TEST(SurgeryOfChildren, AnAtomMadeInMemoryIsWrittenAsItsClassWritesIt) {
     const auto movie = movieOf({kFirst});
     movie->addChild(std::make_unique<VexQTtkhdAtom>());
@@ -230,6 +262,26 @@ TEST(SurgeryOfChildren, ASizeThatDisagreesGrowsByWhatWasAdded) {
         VexQTmoovAtom::initWithData(atomClaiming(99, "moov"_os, {kFirst}), nullptr, 0);
     movie->addChild(VexQTAtom::initWithData(kSecond, nullptr, 0));
     EXPECT_EQ(surgical(*movie), atomClaiming(99 + 16, "moov"_os, {kFirst, kSecond}));
+}
+
+TEST(SurgeryOfChildren, ASizeFieldThatHasNoRoomForTheNewLengthIsRefused) {
+    const auto movie =
+        VexQTmoovAtom::initWithData(atomClaiming(0xFFFFFFF0, "moov"_os, {kFirst}), nullptr, 0);
+    movie->addChild(VexQTAtom::initWithData(atom("bbbb"_os, {zeros(7)}), nullptr, 0));
+    EXPECT_EQ(surgical(*movie),
+              atomClaiming(0xFFFFFFFF, "moov"_os, {kFirst, atom("bbbb"_os, {zeros(7)})}));
+    movie->addChild(VexQTAtom::initWithData(kSecond, nullptr, 0));
+    EXPECT_EQ(errorOf<EncodingError>([&] { surgical(*movie); }),
+              "moov at 0: it would be longer than its size field can tell");
+}
+
+TEST(SurgeryOfChildren, AnExtendedSizeInTheFieldsOfAClassIsRefusedWhereItWouldGrow) {
+    const Bytes table = atomClaiming(1, "stts"_os, {u32(0), u32(1), u32(2), u32(3)});
+    const auto stts = VexQTsttsAtom::initWithData(table, nullptr, 0);
+    EXPECT_EQ(surgical(*stts), table);
+    stts->sampleDurations().clear();
+    EXPECT_EQ(errorOf<EncodingError>([&] { surgical(*stts); }),
+              "stts at 0: its extended size lies where its class reads fields");
 }
 
 TEST(SurgeryOfChildren, ATypeThatWasSetIsWrittenWhereTheClassWritesWhatItHolds) {
@@ -262,6 +314,11 @@ TEST(SurgeryOfChildren, DeclinedAtomsKeepTheirBytes) {
     EXPECT_EQ(surgical(*movie), bytes);
 }
 
+TEST(Surgery, OfFreeSpaceIsItsBytes) {
+    const Bytes space = atom("free"_os, {u32(7)});
+    EXPECT_EQ(surgical(*VexQTfreeAtom::initWithData(space, nullptr, 0)), space);
+}
+
 TEST(SurgeryOfChildren, ADeclinedRootWithAnExtendedSizeKeepsItsBytes) {
     // From the eighth byte on, where root atoms are read from, it begins like one more extended
     // header, which is cut short.
@@ -271,6 +328,28 @@ TEST(SurgeryOfChildren, ADeclinedRootWithAnExtendedSizeKeepsItsBytes) {
     VexQTAtom& root = *asset->rootAtoms()[0];
     ASSERT_EQ(root.declinedClass(), "VexQTAtom");
     EXPECT_EQ(surgical(root), Bytes(bytes.begin() + 8, bytes.end()));
+}
+
+TEST(SurgeryOfChildren, DeclinedAtomsGetATypeThatWasSetWhereTheirBytesHaveOne) {
+    std::vector<Problem> problems;
+    ReadContext context(problems);
+    const Bytes payload(112, 0x64);
+    const auto movie = VexQTAtom::make(
+        VexQTmoovAtom::kClass, SharedBytes::copyOf(atom("moov"_os, {atom("mvhd"_os, {payload})})),
+        nullptr, 0, context);
+    ASSERT_TRUE(movie->children()[0]->declinedClass());
+    movie->children()[0]->setAtomType("zzzz"_os);
+    EXPECT_EQ(surgical(*movie), atom("moov"_os, {atom("zzzz"_os, {payload})}));
+
+    const Bytes bytes = extendedAtomClaiming(0x0000000100356F73, "abcd"_os, {text("i!Yxy")});
+    const auto asset = VexQTAsset::initWithData(bytes, {.tolerant = true});
+    VexQTAtom& root = *asset->rootAtoms()[0];
+    root.setAtomType("zzzz"_os);
+    Surgery surgery;
+    const ByteRope rope = surgery.written(root);
+    EXPECT_TRUE(std::ranges::equal(rope.flat().view(), ByteView(bytes).subspan(8)));
+    ASSERT_EQ(surgery.edits().size(), 1U);
+    EXPECT_EQ(surgery.edits()[0].property, "type");
 }
 
 // MARK: Lists whose entries have lengths of their own
@@ -305,6 +384,25 @@ TEST_F(KeysOfMetadata, ThatAreEditedLeaveTheOthersAsTheyWereRead) {
     keys->keys()[1].setValue("other");
     EXPECT_EQ(surgical(*keys), keysOf({kFirstKey, key("other"), kThirdKey}));
     EXPECT_FALSE(changesMore());
+}
+
+TEST_F(KeysOfMetadata, BetweenTwoThatAreEditedStayAsTheyWereRead) {
+    keys->keys()[0].setValue("eldest");
+    keys->keys()[2].setValue("last");
+    EXPECT_EQ(surgical(*keys), keysOf({key("eldest"), kSecondKey, key("last")}));
+}
+
+/// Where it is not known where the entries lie, the row is written as its class writes it.
+TEST_F(KeysOfMetadata, AreWrittenAnewWhereNobodyKnowsWhereTheyLie) {
+    keys->keys()[1].setValue("other");
+    AtomAsRead read(*keys);
+    ASSERT_EQ(read.survey.entries.size(), 3U);
+    const Survey::Part row = read.survey.rows.back();
+    read.survey.entries.pop_back();
+    const auto edited = editedRow(row, read, *keys);
+    ASSERT_TRUE(edited);
+    EXPECT_EQ(edited->bytes, join({u32(3), key("first"), key("other"), key("third")}));
+    EXPECT_TRUE(edited->isRewritten);
 }
 
 TEST_F(KeysOfMetadata, ThatAreInsertedLeaveTheOthersAsTheyWereRead) {
@@ -392,7 +490,44 @@ TEST(LongText, IsReplacedWithThatOfItWhichItsClassDoesNotRead) {
     EXPECT_EQ(surgical(*item), atom("XMP_"_os, {text("a new packet")}));
 }
 
+TEST(LongText, LosesThePaddingWithWhichItWouldBeCutShort) {
+    const Bytes packet = atom("XMP_"_os, {text("short"), zeros(200)});
+    const auto item = VexQTUserDataDirectTextItem::initWithData(packet, nullptr, 0);
+    ASSERT_EQ(item->text(), "short");
+    const std::string longer(65500, 'y');
+    item->setText(longer);
+    EXPECT_EQ(surgical(*item), atom("XMP_"_os, {text(longer)}));
+    item->setText("other");
+    EXPECT_EQ(surgical(*item), atom("XMP_"_os, {text("other"), zeros(200)}));
+}
+
 // MARK: Rows
+
+TEST(NameOfARow, IsThatOfTheFirstPropertyBehindItThatHasOne) {
+    const auto decode = [](Record&, AtomReader&) {};
+    static constexpr void (*kDecode)(Record&, AtomReader&) = +decode;
+    const Field fields[] = {{.decode = kDecode}, {}, {.name = "text"}, {.decode = kDecode}};
+    AtomClass cls = VexQTmoovAtom::kClass;
+    cls.fields = fields;
+    EXPECT_EQ(nameOfRow(cls, fields[0]), "text");
+    EXPECT_EQ(nameOfRow(cls, fields[3]), "");
+}
+
+TEST(MergedRow, KeepsTheBytesInFrontOfTheValuesUntilTheyAreEdited) {
+    Field row;
+    row.unitWidth = 2;
+    EXPECT_EQ(mergedRow(row, text("CAABB"), text("caabb"), text("caaXX")).bytes, text("CAAXX"));
+    EXPECT_EQ(mergedRow(row, text("CAABB"), text("caabb"), text("daaXX")).bytes, text("dAAXX"));
+}
+
+TEST(MergedRow, OfColumnsWithoutAWidthIsWhatIsWrittenNow) {
+    static constexpr Field columns[] = {{.width = 2}, {.width = 0}};
+    ListAccess list{};
+    list.columns = columns;
+    Field row;
+    row.list = &list;
+    EXPECT_EQ(mergedRow(row, text("AABB"), text("aabb"), text("aaXX")).bytes, text("aaXX"));
+}
 
 TEST(MergedRow, KeepsWhatWasReadWhereverTheTwoWritingsAgree) {
     Field row;

@@ -8,6 +8,7 @@
 
 #include "saving/FaultyFileSystem.h"
 #include "saving/changes.h"
+#include "testing/files.h"
 #include "vexqt/platform/MemoryFileSystem.h"
 #include "vexqt/saving/Journal.h"
 
@@ -131,7 +132,7 @@ TEST_F(UndoOfSaves, RefusesAFileThatWasChangedSince) {
         SCOPED_TRACE(what);
         const auto [edited, before] = edit(write);
         const auto file = files.openForWriting(kMovie, error);
-        const auto restoreTime = [&] {
+        const auto restoreTime = [&, before = before] {
             file->setModified(before.modifiedSeconds, before.modifiedNanoseconds, error);
         };
         if (keepsTime) restoreTime();
@@ -170,39 +171,118 @@ TEST_F(UndoOfSaves, IsNotDoneTwice) {
     EXPECT_EQ(movie(), old);
 }
 
-TEST_F(UndoOfSaves, GoesOnWhereTimesCannotBeSet) {
+/// Somebody who does not own the movie may write to it and not set its time.
+class UndoWithoutTimes : public UndoOfSaves {
+protected:
+    UndoResult undoWithoutTime() {
+        // Where the time is set is seen on a copy of everything.
+        MemoryFileSystem copy;
+        for (const fs::path& path : files.paths()) copy.put(path, files.bytes(path));
+        const auto was = files.identityOf(kMovie, error);
+        copy.openForWriting(kMovie, error)
+            ->setModified(was->modifiedSeconds, was->modifiedNanoseconds, error);
+        FaultyFileSystem looking(copy), faulty(files);
+        vexqt::undo(looking, UndoStore(looking, kStore), kMovie);
+        const auto setsTime = std::ranges::find(looking.operations, "setModified");
+        EXPECT_NE(setsTime, looking.operations.end());
+        faulty.setFault(FaultyFileSystem::Fault{
+            std::make_error_code(std::errc::operation_not_permitted),
+            static_cast<std::size_t>(setsTime - looking.operations.begin())});
+        return vexqt::undo(faulty, UndoStore(faulty, kStore), kMovie);
+    }
+};
+
+TEST_F(UndoWithoutTimes, GoesOnWithTheRecordBelow) {
     save(kPatch);
     save(kLonger);
-    FaultyFileSystem faulty(files);
-    // Somebody who does not own the movie may write to it and not set its time.
-    MemoryFileSystem& base = files;
-    const auto undoWithoutTimes = [&] {
-        const Bytes before = movie();
-        faulty.setFault(std::nullopt);
-        std::size_t setsTime = 0;
-        {
-            // Where the time is set is seen on a copy of everything.
-            MemoryFileSystem copy;
-            for (const fs::path& path : base.paths()) copy.put(path, base.bytes(path));
-            FaultyFileSystem looking(copy);
-            const auto was = base.identityOf(kMovie, error);
-            copy.openForWriting(kMovie, error)
-                ->setModified(was->modifiedSeconds, was->modifiedNanoseconds, error);
-            vexqt::undo(looking, UndoStore(looking, kStore), kMovie);
-            setsTime = static_cast<std::size_t>(
-                std::ranges::find(looking.operations, "setModified") - looking.operations.begin());
-            ASSERT_LT(setsTime, looking.operations.size());
-        }
-        faulty.setFault(FaultyFileSystem::Fault{
-            std::make_error_code(std::errc::operation_not_permitted), setsTime});
-        const UndoResult result = vexqt::undo(faulty, UndoStore(faulty, kStore), kMovie);
-        EXPECT_EQ(result.outcome, Outcome::Undone) << result.text;
-        EXPECT_NE(movie(), before);
-    };
-    undoWithoutTimes();
+    EXPECT_EQ(undoWithoutTime().outcome, Outcome::Undone);
     EXPECT_EQ(movie(), changed(old, kPatch));
-    undoWithoutTimes();
+    EXPECT_EQ(undoWithoutTime().outcome, Outcome::Undone);
     EXPECT_EQ(movie(), old);
+}
+
+TEST_F(UndoWithoutTimes, LeavesTheRecordBelowWhereItIsOfAnotherState) {
+    save(kPatch);
+    files.openForWriting(kMovie, error)->writeAt(5, Bytes{1}, error);
+    const Bytes edited = movie();
+    save(changeOf(3000, 3000, {{50, 4}}));
+    const auto below = store().recordsOf(kMovie, error)[1];
+    const Bytes record = files.bytes(below);
+    EXPECT_EQ(undoWithoutTime().outcome, Outcome::Undone);
+    EXPECT_EQ(movie(), edited);
+    EXPECT_EQ(files.bytes(below), record);
+    EXPECT_EQ(undo().outcome, Outcome::Changed);
+}
+
+TEST_F(UndoWithoutTimes, SucceedsWhereTheRecordBelowIsDamaged) {
+    save(kPatch);
+    save(changeOf(3000, 3000, {{50, 4}}));
+    const auto below = store().recordsOf(kMovie, error)[1];
+    Bytes record = files.bytes(below);
+    record.back() ^= 1;
+    files.put(below, record);
+    EXPECT_EQ(undoWithoutTime().outcome, Outcome::Undone);
+    EXPECT_EQ(movie(), changed(old, kPatch));
+    EXPECT_EQ(undo().outcome, Outcome::Failed);
+}
+
+TEST_F(UndoOfSaves, TakesBackWhatIsNotWhatTheRecordSays) {
+    save(kPatch);
+    const Bytes saved = movie();
+    // Another byte gets into what was put back, before that is looked at.
+    FaultyFileSystem watched(files);
+    std::size_t writes = 0;
+    watched.beforeOperation = [&](std::size_t) {
+        if (watched.operations.empty() || watched.operations.back() != "write") return;
+        if (++writes == 3) files.openForWriting(kMovie, error)->writeAt(700, Bytes{1}, error);
+    };
+    const UndoResult result = vexqt::undo(watched, store(), kMovie);
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    ASSERT_TRUE(result.failure);
+    EXPECT_EQ(result.failure->reason, SaveFailure::Reason::NotAsMeant) << result.text;
+    EXPECT_EQ(movie(), saved);
+    EXPECT_EQ(records(), 1U);
+}
+
+TEST_F(UndoOfSaves, IsDoneWhereThereIsNoMemoryToRemoveItsRecord) {
+    save(kPatch);
+    FaultyFileSystem poor(files);
+    const auto path = store().recordsOf(kMovie, error).front();
+    std::size_t removals = 0;
+    poor.beforeRemoval = [&] {
+        if (++removals == 2) throw std::bad_alloc();  // The first is that of the journal.
+    };
+    const UndoStore inPoor(poor, kStore);
+    EXPECT_EQ(vexqt::undo(poor, inPoor, kMovie).outcome, Outcome::Undone);
+    EXPECT_EQ(movie(), old);
+    EXPECT_TRUE(files.exists(path, error));
+    EXPECT_EQ(undo().outcome, Outcome::AlreadyUndone);
+}
+
+TEST_F(UndoOfSaves, TakesTheOldBytesForAChangeWhereSomebodyElsePutThemBack) {
+    save(kPatch);
+    files.openForWriting(kMovie, error)->writeAt(0, old, error);
+    EXPECT_EQ(undo().outcome, Outcome::Changed);
+    EXPECT_EQ(movie(), old);
+    EXPECT_EQ(records(), 1U);
+}
+
+TEST_F(UndoOfSaves, SaysThatARecordIsDamagedWhichIsTheJournalOfASave) {
+    Bytes journal;
+    {
+        FileTransaction transaction(files);
+        ASSERT_FALSE(transaction.open(kMovie, *files.identityOf(kMovie, error)));
+        ASSERT_TRUE(transaction.apply(kPatch, {.progress = {}, .verify = [&](File&) {
+                                                   journal =
+                                                       files.bytes("/movies/.a.mov.vexqt-journal");
+                                                   return false;
+                                               }}));
+    }
+    save(kPatch);
+    files.put(store().recordsOf(kMovie, error).front(), journal);
+    const UndoResult result = undo();
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_NE(result.text.find("is damaged"), std::string::npos) << result.text;
 }
 
 TEST_F(UndoOfSaves, SaysThatARecordIsDamaged) {
@@ -230,6 +310,23 @@ TEST_F(UndoOfSaves, IsOffWithoutAFolder) {
     EXPECT_EQ(UndoStore(off).keep(transaction), std::nullopt);
     EXPECT_EQ(files.paths(), std::set<fs::path>{kMovie});
     EXPECT_EQ(vexqt::undo(files, off, "/movies/a.mov").outcome, Outcome::NothingToUndo);
+}
+
+TEST_F(UndoOfSaves, HasNothingToUndoWhereNoFolderWasMadeYet) {
+    const TemporaryFolder folder;
+    const UndoStore none(systemFiles(), folder / "none");
+    EXPECT_EQ(none.recordsOf(kMovie, error), std::vector<fs::path>());
+    EXPECT_FALSE(error) << error.message();
+}
+
+TEST_F(UndoOfSaves, LeavesNoHalfRecordWhereThereIsNoMemory) {
+    FaultyFileSystem poor(files);
+    poor.beforeRename = [] { throw std::bad_alloc(); };
+    FileTransaction transaction(poor);
+    ASSERT_FALSE(transaction.open(kMovie, *files.identityOf(kMovie, error)));
+    ASSERT_FALSE(transaction.apply(kPatch));
+    EXPECT_THROW(UndoStore(poor, kStore).keep(transaction), std::bad_alloc);
+    EXPECT_EQ(files.paths(), std::set<fs::path>{kMovie});
 }
 
 TEST_F(UndoOfSaves, SaysWhichMovieIsMissing) {
@@ -305,6 +402,15 @@ TEST_F(UndoOfSaves, KeepsNoRecordThatIsTooLong) {
               "this save cannot be undone: it would take 1 MiB to keep what it changed, 1 MiB at "
               "most are kept");
     EXPECT_EQ(records(), 0U);
+    limits.bytesOfARecord = 1 << 20;
+    const std::optional<std::string> rounded = save(changeOf(3000, 3000, {{0, 3000}}));
+    EXPECT_EQ(rounded, std::nullopt);
+    files.put(kMovie, someBytes(2 << 20));
+    const auto whole = save(changeOf(2 << 20, 2 << 20, {{0, (2 << 20) - 1}}));
+    ASSERT_TRUE(whole);
+    EXPECT_NE(whole->find("take 3 MiB to keep what it changed, 1 MiB at"), std::string::npos)
+        << *whole;
+    files.put(kMovie, old);
     limits.bytesOfARecord = Journal::lengthFor(kShorter);
     EXPECT_EQ(save(kShorter), std::nullopt);
 }
@@ -313,6 +419,8 @@ TEST_F(UndoOfSaves, LeavesAloneWhatIsNoRecord) {
     const std::string digest(16, 'a');
     const std::vector<fs::path> foreign = {
         kStore / "notes.txt",
+        kStore / (digest + "-1"),
+        kStore / (digest + "-1-x.undo"),
         kStore / (digest + "-1-2"),
         kStore / (digest + "-1-2.undo.bak"),
         kStore / (digest + "-01-2.undo"),

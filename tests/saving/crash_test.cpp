@@ -282,7 +282,7 @@ TEST(PowerCut, NeedsNoRecoveryWhereBytesAreFlipped) {
         const FileChange edit = changeOf(oldLength, newLength, patches, flip);
         const Bytes changedBytes = changed(old, edit);
         std::size_t olds = 0, news = 0;
-        PowerCuts cuts([&](const Disk& disk) {
+        PowerCuts cuts([&, flip = flip](const Disk& disk) {
             EXPECT_EQ(disk.files.size(), 1U);
             const Bytes& bytes = movieOf(disk);
             if (bytes == changedBytes) {
@@ -334,7 +334,7 @@ TEST(PowerCut, DuringTheRollbackOfASaveThatFailedLeavesTheOldFileOrTheNewOne) {
         for (std::size_t operation = 0;; ++operation) {
             SCOPED_TRACE(std::string(what) + ", operation " + std::to_string(operation));
             bool hasFailed = false;
-            PowerCuts cuts([&](const Disk& disk) {
+            PowerCuts cuts([&, &edit = edit](const Disk& disk) {
                 Bytes bytes = movieOf(disk);
                 EXPECT_EQ(disk.files.size(), 1U);
                 if (bytes == changedBytes) return;
@@ -343,7 +343,7 @@ TEST(PowerCut, DuringTheRollbackOfASaveThatFailedLeavesTheOldFileOrTheNewOne) {
                 if (edit.flip && bytes.size() > old.size()) bytes.resize(old.size());
                 EXPECT_TRUE(bytes == old);
             });
-            cuts.during(diskWith(old), [&](FileSystem& files) {
+            cuts.during(diskWith(old), [&, &edit = edit](FileSystem& files) {
                 std::error_code error;
                 const FileIdentity read = *files.identityOf(kMovie, error);
                 FaultyFileSystem faulty(files);

@@ -4,6 +4,7 @@
 
 #include <iostream>
 #include <set>
+#include <stdexcept>
 
 #include "saving/FaultyFileSystem.h"
 #include "saving/changes.h"
@@ -96,7 +97,8 @@ TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
     const Bytes old = someBytes(2000);
     faults = 0;
     failed.clear();
-    for (const auto& [what, change] : changes()) {
+    for (const Case& test : changes()) {
+        const FileChange& change = test.change;
         const Bytes saved = changed(old, change);
         FaultyDisk disk;
         auto& memory = disk.memory;
@@ -119,7 +121,7 @@ TEST(Fault, OfASaveIsReportedAndTheOldBytesStay) {
                 return;
             }
             failed.insert(operation);
-            SCOPED_TRACE(std::string(what) + (failure ? ": " + failure->what : ""));
+            SCOPED_TRACE(std::string(test.what) + (failure ? ": " + failure->what : ""));
             const bool isLeft = memory->paths().contains(kJournal);
             if (!failure) {
                 // What is done when the new movie has been written and nothing can be lost.
@@ -216,10 +218,41 @@ TEST(Fault, OfARollbackLeavesTheJournal) {
     EXPECT_GT(rollbacksFailed, 20U);
 }
 
+/// What stops a save may come from the callbacks, and what stops its rollback from the disk.
+TEST(Fault, OfARollbackIsToldWhereACallbackHasThrown) {
+    for (const bool isPoor : {false, true}) {
+        MemoryFileSystem memory;
+        memory.put(kMovie, someBytes(2000));
+        FaultyFileSystem files(memory);
+        std::error_code error;
+        std::optional<FileTransaction> transaction(files);
+        ASSERT_FALSE(transaction->open(kMovie, *memory.identityOf(kMovie, error)));
+        const auto stop = [&](File&) -> bool {
+            if (isPoor) {
+                files.beforeOperation = [](std::size_t) { throw std::bad_alloc(); };
+            } else {
+                files.setFault(Fault{std::make_error_code(std::errc::io_error), 0, true});
+            }
+            throw std::runtime_error("stop");
+        };
+        const auto failure =
+            transaction->apply(changeOf(2000, 2000, {{100, 4}}), {.progress = {}, .verify = stop});
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->reason, Reason::RollBackFailed);
+        EXPECT_EQ(failure->code, isPoor ? std::errc::not_enough_memory : std::errc::io_error);
+        EXPECT_EQ(failure->what.find("the save was stopped; putting the old bytes back failed"), 0U)
+            << failure->what;
+        transaction.reset();
+        EXPECT_EQ(recover(memory, kMovie).outcome, Recovery::RolledBack);
+        EXPECT_EQ(memory.bytes(kMovie), someBytes(2000));
+    }
+}
+
 TEST(Fault, OfARecoveryIsReportedAndItCanBeDoneAgain) {
     const Bytes old = someBytes(2000);
     faults = 0;
-    for (const auto& [what, change] : changes()) {
+    for (const Case& test : changes()) {
+        const FileChange& change = test.change;
         if (change.flip) continue;
         // A save that was interrupted before its last step.
         MemoryFileSystem source;
@@ -270,7 +303,8 @@ TEST(Fault, OfARecoveryIsReportedAndItCanBeDoneAgain) {
 TEST(Fault, OfARecordIsANote) {
     const Bytes old = someBytes(2000);
     faults = 0;
-    for (const auto& [what, change] : changes()) {
+    for (const Case& test : changes()) {
+        const FileChange& change = test.change;
         const Bytes saved = changed(old, change);
         FaultyDisk disk;
         auto& memory = disk.memory;
@@ -305,7 +339,8 @@ TEST(Fault, OfARecordIsANote) {
 TEST(Fault, OfAnUndoIsReportedAndItCanBeDoneAgain) {
     const Bytes old = someBytes(2000);
     faults = 0;
-    for (const auto& [what, change] : changes()) {
+    for (const Case& test : changes()) {
+        const FileChange& change = test.change;
         FaultyDisk disk;
         auto& memory = disk.memory;
         UndoResult result;
@@ -323,7 +358,7 @@ TEST(Fault, OfAnUndoIsReportedAndItCanBeDoneAgain) {
             result = undo(files, UndoStore(files, kStore), kMovie);
         };
         forEachFault(fresh, work, [&](const Fault& fault, const FaultyFileSystem&) {
-            SCOPED_TRACE(std::string(what) + ": " + result.text);
+            SCOPED_TRACE(std::string(test.what) + ": " + result.text);
             if (result.outcome == UndoResult::Outcome::Failed) {
                 EXPECT_TRUE(result.failure);
                 if (recover(*memory, kMovie).outcome == Recovery::Refused) {
@@ -365,19 +400,19 @@ TEST(Fault, TheTextSaysWhatHappenedAndHowTheMovieIs) {
     FaultyFileSystem files(memory);
     std::error_code error;
     const FileIdentity read = *memory.identityOf(kMovie, error);
-    const auto save = [&](const std::optional<Fault>& fault) {
+    const auto save = [&](const std::optional<Fault>& fault, std::size_t length) {
         files.setFault(fault);
         FileTransaction transaction(files);
         auto failure = transaction.open(kMovie, read);
-        return failure ? failure : transaction.apply(changeOf(2000, 2000, {{1032, 512}}));
+        return failure ? failure : transaction.apply(changeOf(2000, 2000, {{1032, length}}));
     };
     memory.put(kJournal, {});
     memory.remove(kJournal, error);
     const std::error_code full = std::make_error_code(std::errc::no_space_on_device);
     // Of the writes, two are to the journal.
-    const auto failureOfWrite = [&](std::size_t number) {
+    const auto failureOfWrite = [&](std::size_t number, std::size_t length = 512) {
         for (std::size_t first = 0;; ++first) {
-            const auto failure = save(Fault{full, first});
+            const auto failure = save(Fault{full, first}, length);
             if (files.operations[first] == "write" && number-- == 0) return *failure;
         }
     };
@@ -386,6 +421,8 @@ TEST(Fault, TheTextSaysWhatHappenedAndHowTheMovieIs) {
               "writing 512 bytes at 1032: No space left on device; the movie is as it was");
     EXPECT_EQ(ofMovie.offset, 1032U);
     EXPECT_EQ(ofMovie.length, 512U);
+    EXPECT_EQ(failureOfWrite(2, 1).what,
+              "writing 1 byte at 1032: No space left on device; the movie is as it was");
     EXPECT_EQ(failureOfWrite(0).what,
               "writing 544 bytes at 128 of /movies/.a.mov.vexqt-journal: No space left on device; "
               "the movie is as it was");
@@ -585,6 +622,45 @@ TEST(Fault, OfSavingACopyLeavesTheMovieAndWhatHadTheNameOfTheCopy) {
     std::cout << "[  FAULTS  ] " << faults << "\n";
 }
 
+/// A disk that keeps something else than what it was given.
+TEST(Fault, OfWhatWasWrittenIsSeenWhenItIsReadBack) {
+    EditedMovie movie;
+    const fs::path copy = movie.path.parent_path() / "b.mov";
+    const SaveCase test = saveCases()[0];
+    const std::size_t timeScale = kFileType.size() + 8 + 20;
+    const std::size_t sizeOfMedia = kFileType.size() + testing::movie(600).size() + 3;
+    for (const bool isCopy : {false, true}) {
+        for (const std::size_t at : {timeScale + 1, sizeOfMedia}) {
+            SCOPED_TRACE(std::to_string(at) + (isCopy ? " of a copy" : ""));
+            FaultyFileSystem& files = movie.fresh(test);
+            // The first two writes of a save in place are those of its journal.
+            const std::ptrdiff_t writes = isCopy ? 1 : 3;
+            files.beforeOperation = [&](std::size_t) {
+                if (std::ranges::count(files.operations, "write") != writes) return;
+                std::error_code error;
+                const fs::path written = isCopy ? *movie.others().begin() : movie.path;
+                const auto file = movie.memory->openForWriting(written, error);
+                if (file) file->writeAt(at, Bytes{0x68}, error);
+            };
+            const SaveResult result = isCopy ? saveCopy(*movie.asset, copy, {}, files)
+                                             : saveInPlace(*movie.asset, {}, files);
+            EXPECT_EQ(result.outcome, SaveResult::Outcome::Failed);
+            ASSERT_TRUE(result.failure);
+            EXPECT_EQ(result.failure->reason, Reason::NotAsMeant) << result.failure->what;
+            EXPECT_FALSE(movie.others().contains(copy));
+        }
+    }
+}
+
+TEST(Plan, OfAFileThatCannotBeReadIsAnError) {
+    EditedMovie movie;
+    FaultyFileSystem& files = movie.fresh(saveCases()[0]);
+    std::error_code error;
+    const auto file = files.openForReading(movie.path, error);
+    files.setFault(Fault{std::make_error_code(std::errc::io_error), 0, true});
+    EXPECT_THROW(SavePlan::of(*movie.asset, *file, SaveForm::Surgical), Error);
+}
+
 TEST(Copy, ThatIsRefusedCopiesNothingFirst) {
     EditedMovie movie;
     const SaveCase refused = {
@@ -608,6 +684,77 @@ TEST(Copy, PassesOverWhatAKilledProcessOfTheSameNumberHasLeft) {
     EXPECT_EQ(saveCopy(*movie.asset, copy, {}, files).outcome, SaveResult::Outcome::Saved);
     EXPECT_EQ(movie.others(), (std::set<fs::path>{copy, left}));
     EXPECT_EQ(movie.memory->bytes(left), zeros(9));
+}
+
+TEST(Copy, GivesUpWhereAHundredNamesAreTaken) {
+    MemoryFileSystem files;
+    for (int number = 0; number < 100; ++number)
+        files.put("/.b.mov.vexqt-" + std::to_string(::getpid()) + "-" + std::to_string(number), {});
+    const auto failure = writeWhole("/b.mov", Bytes{1}, files);
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->code, std::errc::file_exists);
+    EXPECT_EQ(files.paths().size(), 100U);
+
+    EditedMovie movie;
+    FaultyFileSystem& disk = movie.fresh(saveCases()[0]);
+    const fs::path folder = movie.path.parent_path();
+    for (const fs::path& path : files.paths()) movie.memory->put(folder / path.filename(), {});
+    const SaveResult result = saveCopy(*movie.asset, folder / "b.mov", {}, disk);
+    EXPECT_EQ(result.outcome, SaveResult::Outcome::Failed);
+    EXPECT_EQ(result.failure->code, std::errc::file_exists);
+    EXPECT_EQ(movie.others().size(), 100U);
+}
+
+TEST(Copy, IsMadeUnderANameThatFitsWhateverItsOwnIs) {
+    std::string euros;
+    while (euros.size() < 240) euros += "\u20AC";
+    // The last has no byte at which a character begins.
+    for (const std::string& name : {std::string(240, 'a'), euros, std::string(240, '\x80')}) {
+        MemoryFileSystem memory;
+        FaultyFileSystem files(memory);
+        std::string draft;
+        files.beforeRename = [&] { draft = memory.paths().begin()->filename().string(); };
+        const fs::path path = "/" + name;
+        EXPECT_FALSE(writeWhole(path, Bytes{1}, files));
+        EXPECT_EQ(memory.paths(), std::set<fs::path>{path});
+        EXPECT_LE(draft.size(), 143U);
+        const std::size_t kept = draft.find(".vexqt-") - 1;
+        EXPECT_EQ(kept, name[0] == 'a' ? 100U : name == euros ? 99U : 0U) << draft;
+        EXPECT_EQ(draft.substr(1, kept), name.substr(0, kept));
+
+        EditedMovie movie;
+        FaultyFileSystem& disk = movie.fresh(saveCases()[0]);
+        const fs::path copy = movie.path.parent_path() / name;
+        std::set<fs::path> drafts;
+        disk.beforeRename = [&] { drafts = movie.others(); };
+        EXPECT_EQ(saveCopy(*movie.asset, copy, {}, disk).outcome, SaveResult::Outcome::Saved);
+        ASSERT_EQ(drafts.size(), 1U);
+        EXPECT_EQ(drafts.begin()->filename(), draft);
+    }
+}
+
+TEST(Copy, ThatHasItsNameIsMadeThoughThereIsNoMemoryLeft) {
+    EditedMovie movie;
+    FaultyFileSystem& files = movie.fresh(saveCases()[0]);
+    const fs::path copy = movie.path.parent_path() / "b.mov";
+    files.beforeFlushOfDirectory = [] { throw std::bad_alloc(); };
+    EXPECT_EQ(saveCopy(*movie.asset, copy, {}, files).outcome, SaveResult::Outcome::Saved);
+    EXPECT_EQ(movie.others(), std::set<fs::path>{copy});
+}
+
+TEST(Copy, ThatHasNotItsNameIsRemovedWhereThereIsMemoryForThat) {
+    EditedMovie movie;
+    const fs::path copy = movie.path.parent_path() / "b.mov";
+    for (const bool isRemoved : {true, false}) {
+        FaultyFileSystem& files = movie.fresh(saveCases()[0]);
+        files.beforeRename = [] { throw std::bad_alloc(); };
+        files.beforeRemoval = [&] {
+            if (!isRemoved) throw std::bad_alloc();
+        };
+        EXPECT_THROW(saveCopy(*movie.asset, copy, {}, files), std::bad_alloc);
+        EXPECT_EQ(movie.others().size(), isRemoved ? 0U : 1U);
+        EXPECT_FALSE(movie.others().contains(copy));
+    }
 }
 
 TEST(Fault, OfWritingAWholeFileLeavesWhatHadItsName) {

@@ -87,6 +87,14 @@ Editing setOfVideo(Value value, std::string_view property) {
                property);
 }
 
+/// A header that a tolerant reading keeps as it is and a strict one fails at.
+void addDamagedHeader(VexQTAsset& asset) {
+    const Bytes damaged = lastMovieOf({atom("mvhd"_os, {Bytes(112, 0x64)})});
+    const auto other = VexQTAsset::initWithData(damaged, {.tolerant = true});
+    asset.moovAtom()->addChild(std::move(other->moovAtom()->children()[0]));
+    other->moovAtom()->children().clear();
+}
+
 /// The first of two movies no longer fits where it lies; the second does.
 void growBothMovies(VexQTAsset& asset) {
     grow(40)(asset);
@@ -132,6 +140,16 @@ std::vector<FindingCase> surgicalCases() {
         {"unreadable-after", kForm, kDestroys, "a colour table where extension atoms stand",
          movieWithVideo(0xFFFF), setOfVideo(0, "colorTableID"), movieWithVideo(0xFFFF),
          setOfVideo(8, "colorTableID")},
+        {"unreadable-after", kForm, kDestroys, "a damaged atom of another movie", kPlain,
+         addDamagedHeader, kPlain, grow(40)},
+        {"unreadable-after", kForm, kDestroys, "a new movie with a damaged atom",
+         join({kFileType, kMedia}),
+         [](VexQTAsset& asset) {
+             asset.rootAtoms().push_back(std::make_unique<VexQTmoovAtom>());
+             addDamagedHeader(asset);
+         },
+         join({kFileType, kMedia}),
+         [](VexQTAsset& asset) { asset.rootAtoms().push_back(std::make_unique<VexQTmoovAtom>()); }},
         {"overwrites-atom", kForm, kChanges, "bytes behind the last atom",
          join({kMovieFirst, text("junk!")}), grow(40), kMovieFirst, grow(40)},
         {"media-past-end", kForm, kChanges, "a movie that moves behind media cut short",
@@ -162,6 +180,10 @@ std::vector<FindingCase> surgicalCases() {
              fileType.compatibleBrands().push_back(7);
          },
          kMovieFirst, setTimeScale},
+        {"no-room", kForm, kDestroys, "a fragment that grows",
+         join({kFileType, movie(8), kFragment, kMedia}),
+         [](VexQTAsset& asset) { asset.rootAtoms()[2]->addChild(filler()); },
+         join({kFileType, movie(8), kFragment, kMedia}), setTimeScale},
     };
 }
 
@@ -206,6 +228,11 @@ std::vector<FindingCase> exactCases() {
          kPlain, leaveAlone},
         {"overwrites-atom", kForm, kChanges, "bytes behind the last atom",
          join({kMovieFirst, text("junk!")}), leaveAlone, kMovieFirst, leaveAlone},
+        {"overwrites-atom", kForm, kDestroys, "an atom behind the media and no free space",
+         behindMedia, leaveAlone,
+         join({kFileType, movie(8), kMedia, atom("free"_os, {zeros(300)})}), leaveAlone},
+        {"overwrites-atom", kForm, kChanges, "bytes behind a movie that does not shrink",
+         join({kPlain, text("junk!")}), grow(16), join({kPlain, text("junk!")}), shrink},
         {"stale-bytes", kForm, kChanges, "a longer atom behind the media", behindMedia, leaveAlone,
          kPlain, leaveAlone},
         {"stale-bytes", kForm, kChanges, "a movie that shrinks", kPlain, shrink, kPlain,
@@ -336,6 +363,34 @@ TEST_P(ChangedFile, IsToldFromOneThatIsAsItWasRead) {
     EXPECT_EQ(finding(*asset), "file-changed");
     writeFile(path, kMovieFirst);
     EXPECT_EQ(finding(*asset), "none");
+}
+
+TEST_P(ChangedFile, IsToldWhateverItHasBecome) {
+    const auto asset = read();
+    const Bytes space = atom("free"_os, {zeros(124)});
+    const struct {
+        std::string_view what;
+        Bytes bytes;
+        std::string_view finding;
+    } kCases[] = {
+        {"nothing", {}, "file-changed"},
+        {"no atoms", zeros(300), "file-changed"},
+        {"a file without a movie", join({kFileType, kMedia}), "file-changed"},
+        {"free space of another length", join({kFileType, atom("free"_os, {zeros(90)}), kMedia}),
+         "file-changed"},
+        {"free space of the same length", join({kFileType, space, kMedia}), "read-again-first"},
+    };
+    for (const auto& test : kCases) {
+        SCOPED_TRACE(test.what);
+        writeFile(path, test.bytes);
+        EXPECT_EQ(finding(*asset), test.finding);
+    }
+    // The movie is edited to a length that fits nowhere any more.
+    grow(400)(*asset);
+    writeFile(path, join({kFileType, kMedia}));
+    EXPECT_EQ(finding(*asset), "file-changed");
+    writeFile(path, Bytes());
+    EXPECT_EQ(finding(*asset), "file-changed");
 }
 
 TEST_P(ChangedFile, ThatTheAssetWasSavedIntoIsToBeReadAgain) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "saving/FaultyFileSystem.h"
 #include "saving/changes.h"
 #include "vexqt/platform/MemoryFileSystem.h"
 #include "vexqt/saving/FileTransaction.h"
@@ -154,6 +155,20 @@ TEST_F(RecoveryOfAMovie, DoesNotDisturbASaveThatGoesOn) {
     EXPECT_EQ(files.bytes(kMovie), saved);
 }
 
+/// The save that had the lock was done in the meantime.
+TEST_F(RecoveryOfAMovie, HasNothingToDoWhereTheJournalIsGoneOnceTheMovieIsLocked) {
+    interrupt(saved);
+    FaultyFileSystem watched(files);
+    watched.beforeOperation = [&](std::size_t) {
+        if (!watched.operations.empty() && watched.operations.back() == "lock")
+            files.remove(kJournal, error);
+    };
+    const RecoveryResult result = recover(watched, kMovie);
+    EXPECT_EQ(result.outcome, Recovery::NothingToDo);
+    EXPECT_EQ(result.text, "there is nothing to recover");
+    EXPECT_EQ(files.bytes(kMovie), saved);
+}
+
 TEST_F(RecoveryOfAMovie, SaysWhichMovieIsMissing) {
     const RecoveryResult result = recover(files, "/movies/none.mov");
     EXPECT_EQ(result.outcome, Recovery::Failed);
@@ -247,6 +262,13 @@ TEST_F(RecoveryOfAMovie, DiscardsAJournalThatMakesNoSense) {
     }
 }
 
+TEST(JournalHeaders, AreNoneInFewerBytesThanTheyTake) {
+    const Bytes bytes = JournalHeader().encoded();
+    EXPECT_TRUE(JournalHeader::decoded(bytes));
+    EXPECT_FALSE(JournalHeader::decoded(ByteView(bytes).first(bytes.size() - 1)));
+    EXPECT_FALSE(JournalHeader::decoded({}));
+}
+
 TEST(JournalPath, IsHiddenBesideTheMovie) {
     EXPECT_EQ(journalPathOf("/x/y.mov"), "/x/.y.mov.vexqt-journal");
 }
@@ -271,6 +293,9 @@ TEST(JournalPath, FitsIntoEveryFileSystem) {
         const std::size_t cut = kept.find('~');
         EXPECT_EQ((cut - 1 - shift) % 3, 0U) << kept;
     }
+    // No character begins in there at all.
+    const std::string broken = journalPathOf(std::string(200, '\x80')).filename().string();
+    EXPECT_EQ(broken.find('~'), 1U);
 }
 
 TEST(Crc64, IsThatOfXz) {

@@ -289,6 +289,46 @@ TEST_F(LongMovie, ThatReachesToTheEndGetsAnExtendedSizeWhereThatHasRoom) {
     EXPECT_LT(onDisk(path), kMostOnDisk);
 }
 
+TEST_F(LongMovie, TakesNoRoomForItsSizeFromAnAtomThatMayMeanSomething) {
+    const struct {
+        OSType inFront;
+        Outcome outcome;
+    } kCases[] = {
+        {"free"_os, Outcome::Saved}, {"skip"_os, Outcome::Saved}, {"uuid"_os, Outcome::Refused}};
+    for (const auto& test : kCases) {
+        SCOPED_TRACE(textFromCode(test.inFront));
+        // With an atom between the movie and that one, which would else be room for the movie.
+        makeLong(true, join({atom("uuid"_os, {zeros(9)}), atom(test.inFront)}));
+        EXPECT_EQ(saveThrough(path, grow(300), {.force = true}).outcome, test.outcome) << told;
+    }
+}
+
+TEST_F(LongMovie, ThatIsAllMediaTakesNoNewMovie) {
+    writeFile(path, join({u32(0), text("mdat")}));
+    fs::resize_file(path, kMediaLength);
+    const SaveResult result = saveThrough(path, [](VexQTAsset& asset) {
+        asset.rootAtoms().push_back(std::make_unique<VexQTmoovAtom>());
+    });
+    EXPECT_EQ(result.outcome, Outcome::Refused);
+    EXPECT_EQ(std::ranges::count(result.plan.findings(), "no-room", &Finding::id), 1);
+}
+
+TEST_F(LongMovie, LeavesLongFreeSpaceOfWhatIsNoAtom) {
+    // Planned for a file that has become longer: whoever reads it reads what is no atom as well.
+    const auto asset = read(path, grow(300));
+    writeFile(path, join({kMovieFirst, u32(7)}));
+    fs::resize_file(path, kMediaLength);
+    std::error_code error;
+    const auto plan =
+        SavePlan::of(*asset, *systemFiles().openForReading(path, error), SaveForm::Surgical);
+    const std::uint64_t end = kMovieFirst.size() + movie(40).size() + 300;
+    const auto& writes = plan.change().writes;
+    EXPECT_EQ(plan.change().newLength, kMediaLength);
+    ASSERT_EQ(writes.back().offset, end);
+    EXPECT_TRUE(std::ranges::equal(writes.back().bytes.view(),
+                                   join({u32(1), text("free"), u64(kMediaLength - end)})));
+}
+
 TEST_F(LongMovie, ThatReachesToTheEndAndHasNoRoomForItsSizeIsLeftAlone) {
     makeLong(true);
     const auto before = fs::last_write_time(path);

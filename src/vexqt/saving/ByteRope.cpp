@@ -18,16 +18,6 @@ void ByteRope::append(ByteRope&& rope) {
     for (const SharedBytes& part : rope.parts_) append(part);
 }
 
-Bytes ByteRope::first(std::size_t count) const {
-    Bytes bytes;
-    for (const SharedBytes& part : parts_) {
-        const ByteView view = part.view().first(std::min(part.size(), count - bytes.size()));
-        bytes.insert(bytes.end(), view.begin(), view.end());
-        if (bytes.size() == count) break;
-    }
-    return bytes;
-}
-
 SharedBytes ByteRope::flat() const {
     if (parts_.size() == 1) return parts_.front();
     SharedBytes block(static_cast<std::size_t>(length_));

@@ -22,8 +22,6 @@ public:
     std::uint64_t length() const { return length_; }
     /// From front to back.
     const std::vector<SharedBytes>& parts() const { return parts_; }
-    /// The first bytes; as many as there are of that count.
-    Bytes first(std::size_t count) const;
     /// All of it, copied into one block.
     SharedBytes flat() const;
 

@@ -79,6 +79,7 @@ std::optional<std::string> Draft::finish() {
     files_.rename(path_, target_, error);
     if (error) check(error, "giving the copy its name " + target_.string());
     isOurs_ = false;
+    isFinished_ = true;
     files_.flushDirectory(folder, error);
     if (!error) return std::nullopt;
     return "flushing " + folder.string() + ": " + error.message() +

@@ -30,7 +30,7 @@ public:
     /// Flushes it and gives it its name. Returns what a person should know all the same.
     std::optional<std::string> finish();
     /// Whether it has its name.
-    bool isFinished() const { return file_ != nullptr && !isOurs_; }
+    bool isFinished() const { return isFinished_; }
 
 private:
     template <class Make>
@@ -40,7 +40,7 @@ private:
     std::filesystem::path target_, path_;
     std::unique_ptr<File> file_;
     std::optional<NamedFile> named_;
-    bool isOurs_ = false;
+    bool isOurs_ = false, isFinished_ = false;
 };
 
 }  // namespace vexqt

@@ -73,11 +73,7 @@ void Comparison::addRow(const VexQTAtom& atom, const Field& row, const Survey::P
         return;
     }
     const bool isEdited = wouldBe != now;
-    Bytes written = now.value_or(Bytes());
-    if (cls.header != HeaderRule::None && cls.writtenHeader == WrittenHeader::InRows) {
-        // This row writes the header too, and reads what follows it.
-        written.erase(written.begin(), written.begin() + static_cast<std::ptrdiff_t>(part.start));
-    }
+    const Bytes written = now.value_or(Bytes());
     if (std::ranges::equal(was, written)) return;
     const auto [before, after] = std::ranges::mismatch(was, written);
     const auto first = static_cast<std::size_t>(before - was.begin());
@@ -150,7 +146,7 @@ void Comparison::add(VexQTAtom& atom, const std::string& path) {
     const auto segments = AtomPath::segmentsOf(atom.children());
     for (std::size_t i = 0; i < segments.size(); ++i)
         add(*atom.children()[i], path + "." + segments[i]);
-    if (atom.atomClass().writtenHeader == WrittenHeader::InRows && atom.atomData().empty()) {
+    if (atom.atomClass().writtenHeader == WrittenHeader::None && atom.atomData().empty()) {
         report("atom-dropped", Severity::Destroys, path, {startInFile(atom), read.bytes.size()},
                "is not written at all");
     }

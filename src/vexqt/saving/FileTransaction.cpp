@@ -346,8 +346,8 @@ void FileTransaction::checkUnchanged(const FileIdentity& other) const {
 
 std::optional<SaveFailure> FileTransaction::apply(const FileChange& change,
                                                   const Callbacks& callbacks) {
-    assert(file_ && !change_);
     std::string_view flaw = change.flaw();
+    assert(file_ && !change_);
     if (flaw.empty() && change.oldLength != before_.size) flaw = "it is for another length";
     if (!flaw.empty())
         return SaveFailure{.code = std::make_error_code(std::errc::invalid_argument),

@@ -72,8 +72,8 @@ void NamedFile::lock() {
 }
 
 ByteView BlockReader::at(std::uint64_t offset, std::size_t count) {
-    if (offset < start_ || offset - start_ > block_.size() ||
-        count > block_.size() - (offset - start_)) {
+    const std::uint64_t inside = offset - start_;  // Wraps in front of the block.
+    if (inside > block_.size() || count > block_.size() - inside) {
         const std::uint64_t there = offset < size_ ? size_ - offset : 0;
         block_.resize(
             std::max(count, static_cast<std::size_t>(std::min<std::uint64_t>(there, kBlock))));

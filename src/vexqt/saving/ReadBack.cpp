@@ -45,7 +45,7 @@ bool Comparison::hasMeantBytes(const Field& row, const VexQTAtom& meant,
                                const AtomAsRead& readBack) const {
     const auto now = writtenRow(row, meant);
     const Survey::Part* there = partOf(row, readBack);
-    if (!now || there == nullptr) return !now && there == nullptr;
+    if (!now || there == nullptr) return false;
     const SharedBytes bytes = readBack.part(there->start, there->end);
     if (!readsAsWritten(row, *now, readBack)) return false;
     if (meant.origin().size() == 0 || form_ == SaveForm::Exact)

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "vexqt/core/VexQTAtom.h"
+#include "vexqt/export.h"
 
 namespace vexqt {
 
@@ -20,12 +21,14 @@ struct Misreading {
 /// the one in memory: whether each row has the bytes that stand for what was set, and whether they
 /// read as what the class itself writes for it does. Some codecs read another value than they
 /// wrote, and that is no misreading.
-std::optional<Misreading> misreadingOf(const VexQTAtom& meant, const SharedBytes& bytes,
-                                       std::uint64_t offsetInFile, const std::string& path,
-                                       SaveForm form);
+VEXQT_EXPORT std::optional<Misreading> misreadingOf(const VexQTAtom& meant,
+                                                    const SharedBytes& bytes,
+                                                    std::uint64_t offsetInFile,
+                                                    const std::string& path, SaveForm form);
 
 /// Why a strict reading of a root atom's bytes fails; absent where it does not.
-std::optional<Misreading> strictFailure(const AtomClass& cls, const SharedBytes& bytes,
-                                        std::uint64_t offsetInFile, const std::string& path);
+VEXQT_EXPORT std::optional<Misreading> strictFailure(const AtomClass& cls, const SharedBytes& bytes,
+                                                     std::uint64_t offsetInFile,
+                                                     const std::string& path);
 
 }  // namespace vexqt

@@ -115,8 +115,7 @@ SaveResult copied(const std::function<void(SaveResult&)>& copy) {
 }  // namespace
 
 SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options, FileSystem& files) {
-    if (!asset.assetURL() || !asset.fileIdentity())
-        return failed("the movie was not read from a file");
+    if (!asset.assetURL()) return failed("the movie was not read from a file");
     SaveResult result;
     FileTransaction transaction(files);
     result.failure = transaction.open(*asset.assetURL(), *asset.fileIdentity());
@@ -126,8 +125,10 @@ SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options, FileSystem
         return result;
     }
 
-    std::vector<std::string> noteWithoutMemory = {
-        "there was no memory left to keep the record with which this save could be undone"};
+    std::vector<std::string> noteWithoutMemory;
+    if (options.undo != nullptr)
+        noteWithoutMemory.emplace_back(
+            "there was no memory left to keep the record with which this save could be undone");
     result.failure = transaction.apply(result.plan.change(),
                                        {.progress = options.progress, .verify = [&](File& file) {
                                             return isAsPlanned(result.plan, file);
@@ -141,15 +142,14 @@ SaveResult saveInPlace(VexQTAsset& asset, const SaveOptions& options, FileSystem
             if (auto note = options.undo->keep(transaction))
                 result.notes.push_back(std::move(*note));
     } catch (const std::bad_alloc&) {
-        if (options.undo != nullptr) result.notes.swap(noteWithoutMemory);
+        result.notes.swap(noteWithoutMemory);
     }
     return result;
 }
 
 SaveResult saveCopy(VexQTAsset& asset, const std::filesystem::path& copy,
                     const SaveOptions& options, FileSystem& files) {
-    if (!asset.assetURL() || !asset.fileIdentity())
-        return failed("the movie was not read from a file");
+    if (!asset.assetURL()) return failed("the movie was not read from a file");
     return copied([&](SaveResult& result) {
         const std::filesystem::path& original = *asset.assetURL();
         Draft draft(files, copy, asset.fileIdentity());

@@ -123,7 +123,7 @@ void SavePlan::checkNewAtoms(const VexQTAsset& asset) {
 }
 
 void SavePlan::write(std::uint64_t offset, const SharedBytes& bytes) {
-    if (bytes.size() > 0) change_.writes.push_back({offset, bytes});
+    change_.writes.push_back({offset, bytes});
 }
 
 /// The plan is good only for the bytes that the asset was read from.
@@ -564,7 +564,7 @@ void SavePlan::Surgical::move(const VexQTAtom& root, const SharedBytes& bytes, s
     plan_.write(start, bytes);
     future_.atoms.push_back({.type = root.atomType(), .start = start, .length = bytes.size()});
     leaveNothingBehind({start, bytes.size()});
-    if (old.length != 0 && index < future_.atoms.size()) {
+    if (old.length != 0) {
         const FileWrite freed = {old.offset + 4, SharedBytes::copyOf(codeBytes("free"_os))};
         if (flip_) {
             plan_.change_.writes.push_back(freed);

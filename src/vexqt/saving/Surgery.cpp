@@ -341,7 +341,7 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
             continue;
         }
         const bool isOutNow = !isPresent(row, atom);
-        if (row.encode == nullptr && !row.holdsChildren && !isOutNow) continue;
+        if (row.encode == nullptr) continue;
         body.append(read.part(position, part->start));
         position = part->end;
         if (isOutNow) continue;  // The edit of another row threw this one out.
@@ -405,7 +405,7 @@ void Surgery::appendChildren(const Survey::Part& region, const AtomAsRead& read,
     /// Which of the children that were read this one is; their number for one that is new.
     const auto placeOf = [&](const VexQTAtom& child) {
         const auto start = read.bytes.offsetOf(child.origin());
-        if (!start || child.origin().size() == 0) return parts.size();
+        if (!start) return parts.size();
         const auto found = std::ranges::lower_bound(starts, *start);
         const auto place = static_cast<std::size_t>(found - starts.begin());
         const bool isIt = place < parts.size() && parts[place].start == *start &&

@@ -11,7 +11,7 @@ using Table = std::array<std::uint64_t, 256>;
 
 /// The first table takes one byte further; the others take a byte over 1 to 7 more, so that eight
 /// bytes are taken in one step.
-constexpr std::array<Table, kSlices> makeTables() {
+consteval std::array<Table, kSlices> makeTables() {
     std::array<Table, kSlices> tables{};
     for (std::size_t byte = 0; byte < 256; ++byte) {
         std::uint64_t state = byte;

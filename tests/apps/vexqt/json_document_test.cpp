@@ -21,12 +21,11 @@ struct Entry : Record {
     double rate = 0;
     std::uint32_t code = 0;
     std::optional<std::string> name;
-
-    static constexpr Field columns[] = {
-        property<&Entry::count>("count"), property<&Entry::shift>("shift"),
-        property<&Entry::rate>("rate"),   property<&Entry::code>("code").as(Display::Code),
-        property<&Entry::name>("name"),
-    };
+};
+constexpr Field kColumns[] = {
+    property<&Entry::count>("count"), property<&Entry::shift>("shift"),
+    property<&Entry::rate>("rate"),   property<&Entry::code>("code").as(Display::Code),
+    property<&Entry::name>("name"),
 };
 
 /// An atom with the tables that tests need.
@@ -48,7 +47,7 @@ public:
                                   : static_cast<std::uint64_t>(std::int64_t{rows[first + i].shift});
     }
     static constexpr ListAccess entryAccess = [] {
-        ListAccess access = EntryList<&TableAtom::entries, Entry::columns>::access;
+        ListAccess access = EntryList<&TableAtom::entries, kColumns>::access;
         access.integers = integers;
         return access;
     }();

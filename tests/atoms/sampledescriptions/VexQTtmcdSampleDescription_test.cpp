@@ -12,7 +12,9 @@ namespace {
 
 using namespace vexqt::testing;
 
-Bytes beforeSource(std::uint32_t size, OSType format = "tmcd"_os) {
+constexpr OSType kTimecode = "tmcd"_os;
+
+Bytes beforeSource(std::uint32_t size, OSType format = kTimecode) {
     return join({
         u32(size), u32(format),  //
         zeros(6),                // reserved
