@@ -5,7 +5,6 @@
 #include <QSettings>
 #include <QTranslator>
 #include <cstdio>
-#include <tuple>
 
 #include "apps/inspector/MainWindow.h"
 #include "apps/inspector/MovieTab.h"
@@ -16,8 +15,8 @@ namespace vexqt::inspector_app {
 namespace {
 
 void say(std::FILE* stream, const QString& text) {
-    std::ignore = std::fputs(text.toLocal8Bit().constData(), stream);
-    std::ignore = std::fflush(stream);
+    std::fputs(text.toLocal8Bit().constData(), stream);
+    std::fflush(stream);
 }
 
 void complain(const QString& what) {

@@ -43,7 +43,7 @@ QString Table::listName() const {
         if (tables->table() == view) return tables->listName();
     // A list editor names the list and holds the table.
     for (const QWidget* widget = view; widget != nullptr; widget = widget->parentWidget()) {
-        const QString name = widget->property("listKey").toString();
+        QString name = widget->property("listKey").toString();
         if (!name.isEmpty()) return name;
     }
     return {};

@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdlib>
 #include <mutex>
-#include <tuple>
 
 namespace vexqt::cli {
 
@@ -23,8 +22,8 @@ void receive(int signal) { received = signal; }
 }  // namespace
 
 void Interrupted::endProcess() const {
-    std::ignore = std::signal(signal_, SIG_DFL);
-    std::ignore = std::raise(signal_);
+    std::signal(signal_, SIG_DFL);
+    std::raise(signal_);
     std::_Exit(128 + signal_);  // Somebody has blocked it.
 }
 

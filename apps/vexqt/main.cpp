@@ -2,7 +2,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <tuple>
 
 #include "apps/vexqt/Interruption.h"
 #include "apps/vexqt/command_line.h"
@@ -10,7 +9,7 @@
 int main(int argc, char** argv) {
     using vexqt::cli::DescriptorOutput;
     // A closed pipe is met where it is written to.
-    std::ignore = std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGPIPE, SIG_IGN);
     // A movie that is opened must not take the place of a standard stream that is closed. What
     // stands in for it can be neither read nor written.
     while (true) {

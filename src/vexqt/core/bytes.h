@@ -35,10 +35,8 @@ constexpr T withBytesReversed(T value) {
 /// The same bytes as a number of this machine; its own inverse.
 template <std::integral T>
 constexpr T fromBigEndian(T value) {
-    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1)
-        return value;
-    else
-        return withBytesReversed(value);
+    if constexpr (std::endian::native == std::endian::big || sizeof(T) == 1) return value;
+    return withBytesReversed(value);
 }
 
 /// The number in the first bytes from an address on. The caller has checked that they are there.

@@ -269,8 +269,8 @@ void FormBinder::bindSeconds(QWidget& widget) {
 
 Value FormBinder::valueOf(const Field& field) const { return atom_.valueForKey(field.name); }
 
-void FormBinder::storeWhenChanged(QWidget& widget, Store store) {
-    stores_.insert(&widget, std::move(store));
+void FormBinder::storeWhenChanged(QWidget& widget, const Store& store) {
+    stores_.insert(&widget, store);
     if (auto* line = qobject_cast<QLineEdit*>(&widget);
         line != nullptr && dynamic_cast<FieldEditor*>(&widget) == nullptr) {
         // A plain line tells of every key stroke.

@@ -44,15 +44,15 @@ private:
 
     void bind(QWidget& widget);
     void bindValue(QWidget& widget);
-    void bindMask(QWidget& box, const Field& field, std::uint64_t mask);
-    void bindPresence(QWidget& box);
+    void bindMask(QWidget& widget, const Field& field, std::uint64_t mask);
+    void bindPresence(QWidget& widget);
     void bindVisibility(QWidget& widget, const char* rule, bool isShownWhen);
     void bindToController(QWidget& widget);
     void bindList(QWidget& widget);
-    void bindSeconds(QWidget& label);
+    void bindSeconds(QWidget& widget);
 
     const Field* fieldNamed(const QWidget& widget, const QString& key);
-    void storeWhenChanged(QWidget& widget, Store store);
+    void storeWhenChanged(QWidget& widget, const Store& store);
     void setValue(const QWidget& widget, const QString& key, const Value& value);
     Value valueOf(const Field& field) const;
     /// What the field of a widget is called, for "Change …".

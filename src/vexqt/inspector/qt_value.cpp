@@ -116,7 +116,7 @@ Value fromVariant(const QVariant& variant) {
             return Date(std::chrono::seconds(date.toSecsSinceEpoch()));
         }
         case QMetaType::QColor: {
-            const QColor color = variant.value<QColor>();
+            const auto color = variant.value<QColor>();
             if (!color.isValid()) return {};
             return Color::rgb(color.redF(), color.greenF(), color.blueF(), color.alphaF());
         }

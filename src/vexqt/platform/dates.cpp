@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <tuple>
 
 namespace vexqt {
 
@@ -62,10 +61,10 @@ std::string textFromDate(Date date) {
     const auto time = static_cast<int>((seconds % kSecondsInDay + kSecondsInDay) % kSecondsInDay);
 
     std::array<char, 64> text{};
-    std::ignore = std::snprintf(
-        text.data(), text.size(), "%s%04lld-%02u-%02uT%02d:%02d:%02dZ", year < 0 ? "-" : "",
-        static_cast<long long>(year < 0 ? -year : year), unsigned{day.month()}, unsigned{day.day()},
-        time / 3600, time / 60 % 60, time % 60);
+    std::snprintf(text.data(), text.size(), "%s%04lld-%02u-%02uT%02d:%02d:%02dZ",
+                  year < 0 ? "-" : "", static_cast<long long>(year < 0 ? -year : year),
+                  unsigned{day.month()}, unsigned{day.day()}, time / 3600, time / 60 % 60,
+                  time % 60);
     return text.data();
 }
 

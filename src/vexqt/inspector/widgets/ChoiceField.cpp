@@ -27,11 +27,11 @@ public:
 
 protected:
     QString textForValue() const override {
-        const QString plain = form_.textFor(value());
+        QString plain = form_.textFor(value());
         if (!value().isValid()) return plain;
         for (int i = 0; i < choice_.count(); ++i) {
             // By what an item names: a formatter may write more digits than people do.
-            const QString item = choice_.itemText(i);
+            QString item = choice_.itemText(i);
             QString why;
             const std::optional<QVariant> named = valueOf(item, why);
             if (named && form_.textFor(*named) == plain) return item;
