@@ -100,6 +100,56 @@ TEST(Reading, TouchesTheMovieAtomAndNoMediaData) {
     EXPECT_LE(heap.peak(), movie.size() + 64 * kKiB);
 }
 
+/// A damaged header lets media pass for an atom of which nothing is known.
+TEST(Memory, IsNotTakenForBytesThatAreNoMovie) {
+    constexpr std::uint64_t kTerabyte = std::uint64_t{1} << 40;
+    const Bytes movie = atom("moov"_os, {zeros(8)});
+    for (const OSType type : {"abcd"_os, "ftyp"_os}) {
+        SCOPED_TRACE(textFromCode(type));
+        const Bytes small = atom("abcd"_os, {u32(0x01020304)});
+        CountingFile file(join({small, extendedAtomClaiming(kTerabyte + 16, type)}), kTerabyte,
+                          join({movie, small, atomClaiming(500, type, {zeros(40)})}));
+        VexQTAsset asset;
+        const HeapWatch heap;
+        asset.readMainAtomsWithFileHandle(file, {.tolerant = true});
+        EXPECT_LE(heap.peak(), 64 * kKiB);
+        EXPECT_LE(file.bytesRead(), kKiB);
+        ASSERT_EQ(asset.rootAtoms().size(), 5U);
+        ASSERT_EQ(asset.problems().size(), 4U);  // One more tells that the last one is cut short.
+        EXPECT_EQ(asset.problems()[0],
+                  (Problem{textFromCode(type) + (type == "abcd"_os ? "[1]" : ""), small.size(),
+                           std::to_string(kTerabyte + 16) +
+                               " bytes that are no movie - left in the file unread"}));
+
+        VexQTAtom& first = *asset.rootAtoms()[0];
+        EXPECT_FALSE(first.isLeftInFile());
+        EXPECT_EQ(first.unknownData(), u32(0x01020304));
+        VexQTAtom& left = *asset.rootAtoms()[1];
+        EXPECT_TRUE(left.isLeftInFile());
+        EXPECT_EQ(left.atomType(), type);
+        EXPECT_EQ(left.atomSize(), kTerabyte + 8);
+        EXPECT_EQ(left.extent().start, small.size());
+        EXPECT_EQ(left.extent().length, kTerabyte + 16);
+        EXPECT_FALSE(left.unknownData());
+        EXPECT_EQ(left.atomData(), Bytes());
+        EXPECT_EQ(asset.moovAtom(), asset.rootAtoms()[2].get());
+        EXPECT_TRUE(asset.rootAtoms()[3]->isLeftInFile()) << "all that is taken is taken";
+        EXPECT_EQ(asset.rootAtoms()[4]->extent().length, 48U);
+    }
+}
+
+/// 64 MiB of unknown atoms are read, and no byte more.
+TEST(Memory, IsTakenFor64MiBOfUnknownAtoms) {
+    for (const std::uint64_t length : {64 * kMiB, 64 * kMiB + 1}) {
+        CountingFile file(atomClaiming(static_cast<std::uint32_t>(length), "abcd"_os), length - 8,
+                          {});
+        VexQTAsset asset;
+        asset.readMainAtomsWithFileHandle(file, {.tolerant = true});
+        ASSERT_EQ(asset.rootAtoms().size(), 1U);
+        EXPECT_EQ(asset.rootAtoms()[0]->isLeftInFile(), length > 64 * kMiB);
+    }
+}
+
 /// Free space is passed over like media data: it costs its header.
 TEST(Reading, OfManyRootAtomsTouchesTheirHeaders) {
     Bytes all;

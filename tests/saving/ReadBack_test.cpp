@@ -91,6 +91,11 @@ TEST(Misreading, IsNoneOfALastChildThatIsNothingButAHeader) {
               "moov: 2 atoms in it would read back as 1");
     EXPECT_EQ(misreading(*movie, atom("moov"_os, {kHeader})),
               "moov: 2 atoms in it would read back as 1");
+    EXPECT_EQ(misreading(*movieOf(kMovie), atom("moov"_os, {kHeader, kRaw, atom("trak"_os)})),
+              "moov: 3 atoms in it would read back as 2");
+    EXPECT_EQ(misreading(*movieOf(atom("moov"_os, {kHeader, kRaw})),
+                         atom("moov"_os, {kHeader, atom("abcd"_os)})),
+              "moov: 2 atoms in it would read back as 1");
     movie->children().erase(movie->children().begin());
     EXPECT_EQ(misreading(*movie, atom("moov"_os)), "moov: 1 atoms in it would read back as 0");
 }

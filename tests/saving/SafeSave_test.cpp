@@ -293,6 +293,60 @@ TEST(SafeSave, ANewRootAtomIsWrittenBehindTheLastAtom) {
     }
 }
 
+TEST(SafeSave, ARootAtomMadeFromBytesIsNew) {
+    // Where it says that it lies, another atom does.
+    const Bytes made = atom("abcd"_os, {Bytes(13, 0x33)});
+    const Bytes before = join({kFileType, movie(8), kMedia});
+    for (const std::uint64_t offset : {std::uint64_t{0}, std::uint64_t{5}}) {
+        const Saved all = saved(before, add([&] {
+                                    return VexQTAtom::initWithData(made, nullptr, offset);
+                                }));
+        EXPECT_EQ(all.result.outcome, SaveResult::Outcome::Saved) << all.report;
+        EXPECT_EQ(all.after, join({before, made}));
+
+        const Bytes media = join({kFileType, kMedia});
+        const Saved first = saved(media, add([&] {
+                                      return VexQTmoovAtom::initWithData(movie(8), nullptr, offset);
+                                  }));
+        EXPECT_EQ(first.result.outcome, SaveResult::Outcome::Saved) << first.report;
+        EXPECT_EQ(first.after, join({media, movie(8)}));
+    }
+}
+
+TEST(SafeSave, BytesThatWereNotReadStayWhereTheyAre) {
+    constexpr std::size_t kTooLong = (std::size_t{64} << 20) + 1;
+    const Bytes unread = atom("abcd"_os, {Bytes(kTooLong, 0x44)});
+    const std::size_t start = kFileType.size() + movie(8).size();
+    const Bytes before = join({kFileType, movie(8), unread, kMedia});
+    // Whole folders of 64 MiB are no news in a failure.
+    const auto isOnly = [&](const Saved& all, const Bytes& after) {
+        return all.result.outcome == SaveResult::Outcome::Saved && all.after == after;
+    };
+    const Saved patched = saved(before, setTimeScale);
+    Bytes expected = before;
+    std::ranges::copy(u32(90000), expected.begin() + static_cast<std::ptrdiff_t>(
+                                                         kFileType.size() + 8 + 20));
+    EXPECT_TRUE(isOnly(patched, expected)) << patched.report;
+
+    const Saved moved = saved(before, grow(40));
+    EXPECT_EQ(moved.result.plan.way(), SavePlan::Way::Move);
+    EXPECT_TRUE(part(moved.after, start, unread.size()) == unread);
+    EXPECT_EQ(VexQTAsset::initWithData(moved.after)->moovAtom()->extent().start, before.size());
+
+    const Saved renamed =
+        saved(before, [](VexQTAsset& asset) { asset.rootAtoms()[2]->setAtomType("efgh"_os); });
+    expected = before;
+    std::ranges::copy(text("efgh"), expected.begin() + static_cast<std::ptrdiff_t>(start + 4));
+    EXPECT_TRUE(isOnly(renamed, expected)) << renamed.report;
+    EXPECT_TRUE(renamed.has("atom-changes"));
+
+    const Saved removed = saved(before, [](VexQTAsset& asset) {
+        asset.rootAtoms().erase(asset.rootAtoms().begin() + 2);
+    });
+    std::ranges::copy(text("free"), expected.begin() + static_cast<std::ptrdiff_t>(start + 4));
+    EXPECT_TRUE(isOnly(removed, expected)) << removed.report;
+}
+
 TEST(SafeSave, ANewMovieStaysBehindTheFirstOneThatMoves) {
     const Bytes before = join({kFileType, movie(8), kMedia});
     const Saved all = saved(before, [](VexQTAsset& asset) {

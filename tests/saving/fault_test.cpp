@@ -652,6 +652,27 @@ TEST(Fault, OfWhatWasWrittenIsSeenWhenItIsReadBack) {
     }
 }
 
+/// The header of free space that closes the gap behind a shorter movie is no atom of the movie.
+TEST(Fault, OfTheFreeSpaceThatWasWrittenIsSeenToo) {
+    EditedMovie movie;
+    const SaveCase shorter = {"", SavePlan::Way::InOldPlace,
+                              join({kFileType, testing::movie(600), kMedia}), shrink};
+    FaultyFileSystem& files = movie.fresh(shorter);
+    // A size that lets the free space swallow the media and end with it.
+    const std::size_t free = kFileType.size() + testing::movie(600).size() - 608;
+    files.beforeOperation = [&](std::size_t) {
+        std::error_code error;
+        const auto file = movie.memory->openForWriting(movie.path, error);
+        Bytes type(4);
+        if (file->readAt(free + 4, type, error) == 4 && type == text("free"))
+            file->writeAt(free, u32(static_cast<std::uint32_t>(608 + kMedia.size())), error);
+    };
+    const SaveResult result = saveInPlace(*movie.asset, {}, files);
+    EXPECT_EQ(result.outcome, SaveResult::Outcome::Failed);
+    ASSERT_TRUE(result.failure);
+    EXPECT_EQ(result.failure->reason, Reason::NotAsMeant) << result.failure->what;
+}
+
 TEST(Plan, OfAFileThatCannotBeReadIsAnError) {
     EditedMovie movie;
     FaultyFileSystem& files = movie.fresh(saveCases()[0]);

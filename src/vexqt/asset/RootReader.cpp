@@ -10,6 +10,9 @@
 namespace vexqt {
 
 static constexpr std::uint64_t kHeaderLength = 8;
+/// What a tolerant reading takes of atoms that it knows nothing about, all together. Far more than
+/// writers put there, far less than the media that a damaged header lets pass for such an atom.
+static constexpr std::uint64_t kMostUnknownBytes = std::uint64_t{64} << 20;
 
 std::uint64_t RootReader::Header::end() const {
     const std::uint64_t sum = contents() + size;
@@ -83,6 +86,21 @@ void RootReader::read(const std::function<bool(const VexQTftypAtom&)>& accepts) 
     }
 }
 
+bool RootReader::isTooLong(const Header& header) {
+    if (!context_.isTolerant()) return false;
+    unknownLength_ += lengthThere(header);
+    return unknownLength_ > kMostUnknownBytes;
+}
+
+RootReader::Next RootReader::addLeftInFile(const Header& header,
+                                           std::uint64_t offsetInFile) {
+    context_.addProblem(header.start, std::to_string(lengthThere(header)) +
+                                          " bytes that are no movie - left in the file unread");
+    auto atom = std::make_unique<VexQTAtom>(header.type, 0, nullptr, offsetInFile);
+    atom->increaseSizeBy(static_cast<std::int64_t>(header.size));
+    return add(std::move(atom), header);
+}
+
 RootReader::Next RootReader::readAtom(const Header& header,
                                       const std::function<bool(const VexQTftypAtom&)>& accepts) {
     if (refusesTruncated(header)) {
@@ -107,6 +125,7 @@ RootReader::Next RootReader::readAtom(const Header& header,
             if (header.size == 0) return Next::Stop;
             return add(std::make_unique<VexQTmdatAtom>(header.size, offset, nullptr), header);
         case "ftyp"_os: {
+            if (isTooLong(header)) return addLeftInFile(header, offset);
             add(decoded(VexQTftypAtom::kClass, header, offset), header);
             const auto* fileType = dynamic_cast<const VexQTftypAtom*>(roots_.back().get());
             return fileType == nullptr || accepts(*fileType) ? Next::Read : Next::Stop;
@@ -130,9 +149,9 @@ RootReader::Next RootReader::readAtom(const Header& header,
                 return Next::Stop;
             }
             // Hosts know a generic root atom by this offset: 8 bytes before its end.
-            return add(
-                decoded(VexQTAtom::kClass, header, std::max(end, kHeaderLength) - kHeaderLength),
-                header);
+            const std::uint64_t offsetOfGeneric = std::max(end, kHeaderLength) - kHeaderLength;
+            if (isTooLong(header)) return addLeftInFile(header, offsetOfGeneric);
+            return add(decoded(VexQTAtom::kClass, header, offsetOfGeneric), header);
         }
     }
 }

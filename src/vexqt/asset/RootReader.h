@@ -61,6 +61,9 @@ private:
     std::uint64_t offsetOfFree(const Header& header) const;
     bool readsHeaderAt(std::uint64_t position) const;
 
+    /// Counts the bytes of an unknown atom and says whether they are too many to be read.
+    bool isTooLong(const Header& header);
+    Next addLeftInFile(const Header& header, std::uint64_t offsetInFile);
     Next readAtom(const Header& header, const std::function<bool(const VexQTftypAtom&)>& accepts);
     Next add(std::unique_ptr<VexQTAtom> atom, const Header& header);
     std::unique_ptr<VexQTAtom> decoded(const AtomClass& cls, const Header& header,
@@ -71,6 +74,7 @@ private:
     MovieSource& source_;
     ReadContext& context_;
     std::vector<std::unique_ptr<VexQTAtom>>& roots_;
+    std::uint64_t unknownLength_ = 0;  ///< Of the atoms that are of no use to a movie.
 };
 
 }  // namespace vexqt

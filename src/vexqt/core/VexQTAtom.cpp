@@ -283,6 +283,7 @@ std::size_t VexQTAtom::siblingsBefore() const {
 }
 
 void VexQTAtom::appendTo(ByteWriter& out) {
+    if (isLeftInFile()) return;
     const std::size_t start = out.length();
     if (declinedClass()) {
         out.append(origin_.view());

@@ -121,6 +121,9 @@ public:
     /// Where the atom's bytes truly lie in the file; all zero for one made in memory.
     Extent extent() const;
     void setExtent(const Extent& extent) { extras_.made().extent.made() = extent; }
+    /// True for an atom whose bytes were not read and are never written, but stay where they are:
+    /// media data, free space, and what is too long to be metadata.
+    bool isLeftInFile() const { return origin_.size() == 0 && extent().length != 0; }
 
     /// The first byte behind the header of a full atom, which others have not; 1 for one made in
     /// memory.

@@ -78,13 +78,24 @@ std::optional<std::string> Comparison::rowDifference(const VexQTAtom& meant,
     return std::nullopt;
 }
 
+/// Whether nothing of an atom is written but its header.
+bool isBareHeader(const VexQTAtom& atom) {
+    return atom.children().empty() &&
+           std::ranges::all_of(atom.atomClass().fields, [&](const Field& row) {
+               if (row.holdsChildren || row.encode == nullptr || !isPresent(row, atom)) return true;
+               const auto written = writtenRow(row, atom);
+               return written && written->empty();
+           });
+}
+
 /// Whether what is missing is a last child that is a header and nothing else, which is written and
 /// not read: it held what was removed.
 bool endsWithUnreadChild(const VexQTAtom& meant, const VexQTAtom& readBack) {
     constexpr std::size_t kHeader = 8;
     const ByteView bytes = readBack.origin().view();
     if (meant.atomClass().bareLastChild != BareLastChild::IsDropped ||
-        meant.children().size() != readBack.children().size() + 1 || bytes.size() < 2 * kHeader)
+        meant.children().size() != readBack.children().size() + 1 || bytes.size() < 2 * kHeader ||
+        !isBareHeader(*meant.children().back()))
         return false;
     ByteReader last(bytes.last(kHeader));
     return last.u32() == kHeader && last.u32() == meant.children().back()->atomType();

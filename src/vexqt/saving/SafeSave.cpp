@@ -35,18 +35,23 @@ private:
 /// Whether the file holds the new atoms where they were to be, and can be followed from header to
 /// header to its end. Throws a SaveFailure where it cannot be read.
 bool isAsPlanned(const SavePlan& plan, File& file) {
-    constexpr std::size_t kBlock = 1 << 20;
     NamedFile written(file, "");
     Bytes block;
-    for (const SavePlan::NewAtom& atom : plan.newAtoms()) {
-        const ByteView meant = atom.bytes.view();
+    const auto has = [&](std::uint64_t offset, const SharedBytes& bytes) {
+        constexpr std::size_t kBlock = 1 << 20;
+        const ByteView meant = bytes.view();
         for (std::size_t done = 0; done < meant.size(); done += kBlock) {
             const ByteView expected = meant.subspan(done, std::min(kBlock, meant.size() - done));
             block.resize(expected.size());
-            written.read(atom.offset + done, block);
+            written.read(offset + done, block);
             if (!std::ranges::equal(block, expected)) return false;
         }
-    }
+        return true;
+    };
+    for (const SavePlan::NewAtom& atom : plan.newAtoms())
+        if (!has(atom.offset, atom.bytes)) return false;
+    for (const FileWrite& write : plan.change().writes)
+        if (!has(write.offset, write.bytes)) return false;
     if (plan.form() == SaveForm::Exact) return true;
     const bool ended = plan.layout().end() == plan.layout().fileLength;
     std::error_code error;

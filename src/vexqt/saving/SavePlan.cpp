@@ -69,6 +69,20 @@ void findPaths(const std::vector<std::unique_ptr<VexQTAtom>>& atoms, std::string
     }
 }
 
+/// Where a root atom lay when the asset was read; nowhere for one that was put in since, whatever
+/// that says of itself.
+FileRange placeInFile(const VexQTAtom& root, const VexQTAsset& asset) {
+    const Extent extent = root.extent();
+    const auto read =
+        std::ranges::lower_bound(asset.extentsAsRead(), extent.start, {}, &Extent::start);
+    const bool isOfFile = read != asset.extentsAsRead().end() && read->start == extent.start &&
+                          read->length == extent.length;
+    return isOfFile ? FileRange{extent.start, extent.length} : FileRange();
+}
+bool isOfFile(const VexQTAtom& root, const VexQTAsset& asset) {
+    return placeInFile(root, asset).length != 0;
+}
+
 /// The bytes that a root atom is decoded from: they begin 8 before the end of its header.
 SharedBytes bytesToDecode(const SharedBytes& bytes) {
     const bool isExtended = bytes.size() >= 16 && ByteReader(bytes.view()).u32() == 1;
@@ -132,7 +146,7 @@ void SavePlan::checkSource(const VexQTAsset& asset, File& file) {
     Bytes block;
     for (const auto& root : asset.rootAtoms()) {
         const ByteView origin = root->origin().view();
-        if (origin.empty()) continue;
+        if (origin.empty() || !isOfFile(*root, asset)) continue;
         const Extent extent = root->extent();
         const std::uint64_t start = extent.start + extent.length - origin.size();
         for (std::size_t done = 0; done < origin.size(); done += kBlock) {
@@ -215,6 +229,7 @@ public:
 
 private:
     void addRoot(VexQTAtom& root);
+    void patchTypeOf(const VexQTAtom& leftInFile);
     void addRemoved();
     void addEdits(const Surgery& surgery);
     void checkMovies();
@@ -291,10 +306,9 @@ void SavePlan::Surgical::checkMovies() {
 /// more. A move that was killed before it counted leaves such another one, whole and not counting.
 void SavePlan::Surgical::freeOtherMovies() {
     for (const auto& root : asset_.rootAtoms()) {
-        const Extent extent = root->extent();
+        const FileRange range = placeInFile(*root, asset_);
         const bool isOther = root->atomType() == "moov"_os && root.get() != asset_.moovAtom();
-        if (!isOther || extent.length == 0) continue;
-        const FileRange range = {extent.start, extent.length};
+        if (!isOther || range.length == 0) continue;
         const bool isEdited = std::ranges::count(plan_.newAtoms_, root.get(), &NewAtom::atom) > 0;
         if (isEdited) {
             plan_.add("several-movies", Severity::Destroys, range,
@@ -303,7 +317,7 @@ void SavePlan::Surgical::freeOtherMovies() {
                       pathOf(*root));
             continue;
         }
-        plan_.write(extent.start + 4, SharedBytes::copyOf(codeBytes("free"_os)));
+        plan_.write(range.offset + 4, SharedBytes::copyOf(codeBytes("free"_os)));
         plan_.add("several-movies", Severity::Changes, range,
                   "another movie, which players do not take, becomes free space: the first one "
                   "will lie behind it",
@@ -313,6 +327,10 @@ void SavePlan::Surgical::freeOtherMovies() {
 
 void SavePlan::Surgical::addRoot(VexQTAtom& root) {
     if (root.atomClass().type == "mdat"_os || root.atomClass().type == "free"_os) return;
+    if (root.isLeftInFile()) {
+        patchTypeOf(root);
+        return;
+    }
     const SharedBytes& was = root.origin();
     Surgery surgery;
     ByteRope now;
@@ -325,7 +343,7 @@ void SavePlan::Surgical::addRoot(VexQTAtom& root) {
         return;
     }
     addEdits(surgery);
-    if (was.size() == 0) {
+    if (was.size() == 0 || !isOfFile(root, asset_)) {
         place(root, now.flat());
         return;
     }
@@ -348,6 +366,17 @@ void SavePlan::Surgical::addRoot(VexQTAtom& root) {
         return;
     }
     place(root, whole);
+}
+
+/// All that can be edited of an atom whose bytes were not read.
+void SavePlan::Surgical::patchTypeOf(const VexQTAtom& leftInFile) {
+    const Extent extent = leftInFile.extent();
+    const RootExtent* there = plan_.layout_.atomAt(extent.start);
+    if (there == nullptr || there->type == leftInFile.atomType()) return;
+    plan_.write(extent.start + 4, SharedBytes::copyOf(codeBytes(leftInFile.atomType())));
+    plan_.add("atom-changes", Severity::Note, FileRange{extent.start, extent.length},
+              "'type' was edited", pathOf(leftInFile));
+    gentlest(Way::Patch);
 }
 
 /// The bytes of a root atom with an extended size begin with that size: the first 8 bytes of its
@@ -435,7 +464,7 @@ bool SavePlan::Surgical::placeAt(std::size_t first, std::size_t last, const Shar
 void SavePlan::Surgical::place(const VexQTAtom& root, const SharedBytes& bytes) {
     const OSType type = root.atomType();
     const RootExtent* old = future_.atomAt(root.extent().start);
-    const bool isNew = root.origin().size() == 0 || old == nullptr;
+    const bool isNew = old == nullptr || !isOfFile(root, asset_);
     const std::size_t index =
         isNew ? future_.atoms.size() : static_cast<std::size_t>(old - future_.atoms.data());
     if (!isNew) {
@@ -536,7 +565,7 @@ void SavePlan::Surgical::leaveNothingBehind(const FileRange& moved) {
 
 void SavePlan::Surgical::move(const VexQTAtom& root, const SharedBytes& bytes, std::size_t index) {
     const bool isMovie = root.atomType() == "moov"_os;
-    const FileRange old = {root.extent().start, root.extent().length};
+    const FileRange old = placeInFile(root, asset_);
     if (!closeEnd(root)) return;
     if (&root == asset_.moovAtom()) firstMovieIsMoved_ = old.length != 0;
     const auto hasType = [&](OSType type) {

@@ -340,11 +340,10 @@ ByteRope Surgery::writtenAsRead(VexQTAtom& atom) {
             if (const auto now = encodedRow(row, atom)) body.append(*now);
             continue;
         }
-        const bool isOutNow = !isPresent(row, atom);
         if (row.encode == nullptr) continue;
         body.append(read.part(position, part->start));
         position = part->end;
-        if (isOutNow) continue;  // The edit of another row threw this one out.
+        if (!isPresent(row, atom)) continue;  // The edit of another row threw this one out.
         if (row.holdsChildren) {
             appendChildren(*part, read, atom, body);
         } else {
