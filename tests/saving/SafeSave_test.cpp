@@ -298,16 +298,14 @@ TEST(SafeSave, ARootAtomMadeFromBytesIsNew) {
     const Bytes made = atom("abcd"_os, {Bytes(13, 0x33)});
     const Bytes before = join({kFileType, movie(8), kMedia});
     for (const std::uint64_t offset : {std::uint64_t{0}, std::uint64_t{5}}) {
-        const Saved all = saved(before, add([&] {
-                                    return VexQTAtom::initWithData(made, nullptr, offset);
-                                }));
+        const Saved all =
+            saved(before, add([&] { return VexQTAtom::initWithData(made, nullptr, offset); }));
         EXPECT_EQ(all.result.outcome, SaveResult::Outcome::Saved) << all.report;
         EXPECT_EQ(all.after, join({before, made}));
 
         const Bytes media = join({kFileType, kMedia});
-        const Saved first = saved(media, add([&] {
-                                      return VexQTmoovAtom::initWithData(movie(8), nullptr, offset);
-                                  }));
+        const Saved first = saved(
+            media, add([&] { return VexQTmoovAtom::initWithData(movie(8), nullptr, offset); }));
         EXPECT_EQ(first.result.outcome, SaveResult::Outcome::Saved) << first.report;
         EXPECT_EQ(first.after, join({media, movie(8)}));
     }
@@ -324,8 +322,8 @@ TEST(SafeSave, BytesThatWereNotReadStayWhereTheyAre) {
     };
     const Saved patched = saved(before, setTimeScale);
     Bytes expected = before;
-    std::ranges::copy(u32(90000), expected.begin() + static_cast<std::ptrdiff_t>(
-                                                         kFileType.size() + 8 + 20));
+    std::ranges::copy(u32(90000),
+                      expected.begin() + static_cast<std::ptrdiff_t>(kFileType.size() + 8 + 20));
     EXPECT_TRUE(isOnly(patched, expected)) << patched.report;
 
     const Saved moved = saved(before, grow(40));
@@ -340,9 +338,8 @@ TEST(SafeSave, BytesThatWereNotReadStayWhereTheyAre) {
     EXPECT_TRUE(isOnly(renamed, expected)) << renamed.report;
     EXPECT_TRUE(renamed.has("atom-changes"));
 
-    const Saved removed = saved(before, [](VexQTAsset& asset) {
-        asset.rootAtoms().erase(asset.rootAtoms().begin() + 2);
-    });
+    const Saved removed = saved(
+        before, [](VexQTAsset& asset) { asset.rootAtoms().erase(asset.rootAtoms().begin() + 2); });
     std::ranges::copy(text("free"), expected.begin() + static_cast<std::ptrdiff_t>(start + 4));
     EXPECT_TRUE(isOnly(removed, expected)) << removed.report;
 }

@@ -92,8 +92,7 @@ bool RootReader::isTooLong(const Header& header) {
     return unknownLength_ > kMostUnknownBytes;
 }
 
-RootReader::Next RootReader::addLeftInFile(const Header& header,
-                                           std::uint64_t offsetInFile) {
+RootReader::Next RootReader::addLeftInFile(const Header& header, std::uint64_t offsetInFile) {
     context_.addProblem(header.start, std::to_string(lengthThere(header)) +
                                           " bytes that are no movie - left in the file unread");
     auto atom = std::make_unique<VexQTAtom>(header.type, 0, nullptr, offsetInFile);
