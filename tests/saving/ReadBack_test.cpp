@@ -91,6 +91,9 @@ TEST(Misreading, IsNoneOfALastChildThatIsNothingButAHeader) {
               "moov: 2 atoms in it would read back as 1");
     EXPECT_EQ(misreading(*movie, atom("moov"_os, {kHeader})),
               "moov: 2 atoms in it would read back as 1");
+    movie->addChild(std::make_unique<VexQTAtom>("abcd"_os, 8, nullptr, 0));
+    EXPECT_EQ(misreading(*movie, atom("moov"_os, {kHeader, atom("trak"_os), atom("abcd"_os)})), "");
+    movie->children().pop_back();
     EXPECT_EQ(misreading(*movieOf(kMovie), atom("moov"_os, {kHeader, kRaw, atom("trak"_os)})),
               "moov: 3 atoms in it would read back as 2");
     EXPECT_EQ(misreading(*movieOf(atom("moov"_os, {kHeader, kRaw})),

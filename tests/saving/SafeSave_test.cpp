@@ -7,6 +7,7 @@
 
 #include "saving/saves.h"
 #include "vexqt/atoms/structure/VexQTftypAtom.h"
+#include "vexqt/platform/MemoryFileSystem.h"
 #include "vexqt/saving/whole_files.h"
 
 namespace vexqt {
@@ -342,6 +343,34 @@ TEST(SafeSave, BytesThatWereNotReadStayWhereTheyAre) {
         before, [](VexQTAsset& asset) { asset.rootAtoms().erase(asset.rootAtoms().begin() + 2); });
     std::ranges::copy(text("free"), expected.begin() + static_cast<std::ptrdiff_t>(start + 4));
     EXPECT_TRUE(isOnly(removed, expected)) << removed.report;
+}
+
+TEST(SafeSave, BytesThatWereNotReadMustBeWhereTheyWere) {
+    const TemporaryFolder folder;
+    constexpr std::size_t kTooLong = std::size_t{64} << 20;
+    const auto movieWith = [](const Bytes& media, std::uint32_t unread) {
+        return join(
+            {kFileType, movie(8), media, atomClaiming(unread, "abcd"_os, {zeros(kTooLong)})});
+    };
+    const Bytes before = movieWith(kMedia, kTooLong + 8);
+    const auto asset = VexQTAsset::initWithData(before, {.tolerant = true});
+    ASSERT_TRUE(asset->rootAtoms()[3]->isLeftInFile());
+    setTimeScale(*asset);
+    const auto report = [&](const Bytes& now) {
+        MemoryFileSystem files;
+        files.put("/movie.mov", now);
+        std::error_code error;
+        const auto file = files.openForReading("/movie.mov", error);
+        const SavePlan plan = SavePlan::of(*asset, *file, SaveForm::Surgical);
+        std::string ids;
+        for (const Finding& finding : plan.findings()) ids += std::string(finding.id) + " ";
+        return ids;
+    };
+    EXPECT_EQ(report(before), "atom-changes ");
+    EXPECT_EQ(report(movieWith(kMedia, kTooLong)), "atom-changes file-changed ") << "it is shorter";
+    EXPECT_EQ(report(movieWith(atomClaiming(116, "mdat"_os, {Bytes(100, 0xDA)}), kTooLong + 8)),
+              "atom-changes file-changed ")
+        << "another atom has swallowed its header";
 }
 
 TEST(SafeSave, ANewMovieStaysBehindTheFirstOneThatMoves) {

@@ -82,9 +82,7 @@ std::optional<std::string> Comparison::rowDifference(const VexQTAtom& meant,
 bool isBareHeader(const VexQTAtom& atom) {
     return atom.children().empty() &&
            std::ranges::all_of(atom.atomClass().fields, [&](const Field& row) {
-               if (row.holdsChildren || row.encode == nullptr || !isPresent(row, atom)) return true;
-               const auto written = writtenRow(row, atom);
-               return written && written->empty();
+               return row.holdsChildren || writtenRow(row, atom).value_or(Bytes()).empty();
            });
 }
 

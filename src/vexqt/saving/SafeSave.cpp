@@ -32,8 +32,8 @@ private:
     ByteView bytes_;
 };
 
-/// Whether the file holds the new atoms where they were to be, and can be followed from header to
-/// header to its end. Throws a SaveFailure where it cannot be read.
+/// Whether the file holds the new atoms, and all else that was written, where they were to be, and
+/// can be followed from header to header to its end. Throws a SaveFailure where it cannot be read.
 bool isAsPlanned(const SavePlan& plan, File& file) {
     NamedFile written(file, "");
     Bytes block;

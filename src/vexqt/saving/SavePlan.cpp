@@ -28,6 +28,9 @@ std::string_view textOf(SavePlan::Way way) {
 
 namespace {
 
+constexpr const char* kFileChanged =
+    "the file is no longer what was read; read it again before saving";
+
 Bytes codeBytes(OSType code) {
     ByteWriter out;
     out.u32(code);
@@ -167,8 +170,7 @@ void SavePlan::checkSource(const VexQTAsset& asset, File& file) {
                     "the movie was saved since it was read; read it again before saving",
                     AtomPath::of(*root, asset.rootAtoms()));
             } else {
-                add("file-changed", Severity::Destroys, range,
-                    "the file is no longer what was read; read it again before saving",
+                add("file-changed", Severity::Destroys, range, kFileChanged,
                     AtomPath::of(*root, asset.rootAtoms()));
             }
             return;
@@ -368,11 +370,16 @@ void SavePlan::Surgical::addRoot(VexQTAtom& root) {
     place(root, whole);
 }
 
-/// All that can be edited of an atom whose bytes were not read.
+/// All that can be edited of an atom whose bytes were not read. It must still be where it was.
 void SavePlan::Surgical::patchTypeOf(const VexQTAtom& leftInFile) {
     const Extent extent = leftInFile.extent();
     const RootExtent* there = plan_.layout_.atomAt(extent.start);
-    if (there == nullptr || there->type == leftInFile.atomType()) return;
+    if (there == nullptr || there->length != extent.length) {
+        plan_.add("file-changed", Severity::Destroys, FileRange{extent.start, extent.length},
+                  kFileChanged, pathOf(leftInFile));
+        return;
+    }
+    if (there->type == leftInFile.atomType()) return;
     plan_.write(extent.start + 4, SharedBytes::copyOf(codeBytes(leftInFile.atomType())));
     plan_.add("atom-changes", Severity::Note, FileRange{extent.start, extent.length},
               "'type' was edited", pathOf(leftInFile));
