@@ -244,6 +244,21 @@ TEST(SurgeryOfChildren, AnAtomMadeInMemoryIsWrittenAsItsClassWritesIt) {
     EXPECT_EQ(surgical(*movie), atom("moov"_os, {kFirst, VexQTtkhdAtom().atomData()}));
 }
 
+TEST(SurgeryOfChildren, AnAtomMadeInMemoryTellsItsLengthThoughItsSizeHasWrapped) {
+    const auto movie = movieOf({kFirst});
+    auto list = std::make_unique<VexQTAtom>("list"_os, 8, nullptr, 0);
+    auto item = std::make_unique<VexQTAtom>("item"_os, 20, nullptr, 0);
+    const VexQTAtom* added = item.get();
+    list->addChild(std::move(item));  // Which does not change the size.
+    list->removeChild(added);
+    ASSERT_EQ(list->atomSize(), std::uint64_t{8} - 20);
+    list->addChild(std::make_unique<VexQTAtom>("item"_os, 8, nullptr, 0));
+    movie->addChild(std::move(list));
+    const Bytes expected = atom("moov"_os, {kFirst, atom("list"_os, {atom("item"_os)})});
+    EXPECT_EQ(surgical(*movie), expected);
+    EXPECT_EQ(surgical(*movie), expected);
+}
+
 TEST(SurgeryOfChildren, AnExtendedSizeGrowsInItsOwnField) {
     const auto movie = movieOf({extendedAtomClaiming(16 + 12, "trak"_os, {kFirst})});
     movie->children()[0]->addChild(VexQTAtom::initWithData(kSecond, nullptr, 0));
