@@ -1,6 +1,8 @@
 // Claims about every table, of whatever rows.
 
+#include <gtest/gtest.h>
 #include <rapidcheck.h>
+// Wants the one above.
 #include <rapidcheck/gtest.h>
 
 #include "atoms/sampletables/tables.h"
