@@ -109,6 +109,17 @@ TEST(ByteWriter, AppendsPatchesAndInserts) {
     EXPECT_EQ(out.release(), (Bytes{0x00, 0xE1, 0xE2, 0xA1, 0xA2, 0xA3, 0xA4, 0x44, 0x55, 0xE3}));
 }
 
+TEST(ByteWriter, GrowsByBytesForItsCaller) {
+    ByteWriter out;
+    out.u8(1);
+    const std::span<std::uint8_t> two = out.grow(2);
+    ASSERT_EQ(two.size(), 2U);
+    EXPECT_EQ(two[0], 0);
+    two[1] = 9;
+    out.u8(2);
+    EXPECT_EQ(out.release(), (Bytes{1, 0, 9, 2}));
+}
+
 TEST(SharedBytes, PartsLieInTheBlockTheyArePartOf) {
     const SharedBytes block = SharedBytes::copyOf(kFifteen);
     const SharedBytes part = block.part(3, 4).part(1, 2);
@@ -140,6 +151,19 @@ TEST(SharedBytes, TellWhereAPartOfTheirBlockLiesInThem) {
     EXPECT_EQ(four.offsetOf(SharedBytes::copyOf(kFifteen)), std::nullopt) << "another block";
     EXPECT_EQ(SharedBytes().offsetOf(four), std::nullopt);
     EXPECT_EQ(four.offsetOf(SharedBytes()), std::nullopt);
+}
+
+TEST(SharedBytes, JoinWhatLiesBehindThemInTheirBlock) {
+    const SharedBytes block = SharedBytes::copyOf(kFifteen);
+    const SharedBytes four = block.part(3, 4);
+    const auto seven = four.joined(block.part(7, 3));
+    ASSERT_TRUE(seven);
+    EXPECT_EQ(seven->size(), 7U);
+    EXPECT_EQ(block.offsetOf(*seven), 3U);
+    EXPECT_FALSE(four.joined(block.part(8, 3))) << "a gap";
+    EXPECT_FALSE(four.joined(block.part(6, 3))) << "both have a byte in common";
+    EXPECT_FALSE(four.joined(SharedBytes::copyOf(kFifteen)));
+    EXPECT_FALSE(SharedBytes().joined(four));
 }
 
 TEST(SharedBytes, OfNothingAreEmpty) {
