@@ -298,8 +298,8 @@ Bytes grownSize(ByteView header, std::uint64_t oldLength, std::uint64_t newLengt
 
 ByteRope Surgery::written(VexQTAtom& atom) {
     if (atom.origin().size() == 0) {
-        // A size that has wrapped past 4 GiB, as a child was removed that it did not count, adds the
-        // length of a longer header to what is written once. Then it is forgotten.
+        // A size that has wrapped past 4 GiB, as a child was removed that it did not count, adds
+        // the length of a longer header to what is written once. Then it is forgotten.
         atom.atomData();
         ByteRope rope;
         rope.append(atom.atomData());
