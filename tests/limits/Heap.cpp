@@ -9,10 +9,8 @@ namespace {
 
 struct State {
     std::atomic<std::int64_t> live{0}, peak{0};
-    std::atomic<std::uint64_t> largest{0}, allocations{0};
-    // 0 while nothing fails; else the number of the allocation that does.
-    std::atomic<std::uint64_t> failsAt{0};
-    std::atomic<bool> staysFull{false}, hasFailed{false};
+    std::atomic<std::uint64_t> largest{0};
+    vexqt::testing::FailureCounter allocations;
 };
 constinit State state;
 
@@ -20,12 +18,7 @@ constinit State state;
 constexpr std::size_t kPrefix = alignof(std::max_align_t);
 
 void count(std::size_t length) {
-    const std::uint64_t number = ++state.allocations;
-    const std::uint64_t failsAt = state.failsAt;
-    if (failsAt != 0 && (number == failsAt || (number > failsAt && state.staysFull))) {
-        state.hasFailed = true;
-        throw std::bad_alloc();
-    }
+    if (state.allocations.count()) throw std::bad_alloc();
     const std::int64_t live = state.live += static_cast<std::int64_t>(length);
     if (live > state.peak) state.peak = live;
     if (length > state.largest) state.largest = length;
@@ -97,7 +90,7 @@ void operator delete[](void* pointer, std::size_t, std::align_val_t alignment) n
 
 namespace vexqt::testing {
 
-HeapWatch::HeapWatch() : liveBefore_(state.live), allocationsBefore_(state.allocations) {
+HeapWatch::HeapWatch() : liveBefore_(state.live), allocationsBefore_(state.allocations.calls()) {
     state.peak = liveBefore_;
     state.largest = 0;
 }
@@ -107,16 +100,10 @@ std::uint64_t HeapWatch::peak() const {
     return static_cast<std::uint64_t>(state.peak - liveBefore_);
 }
 std::uint64_t HeapWatch::largest() const { return state.largest; }
-std::uint64_t HeapWatch::allocations() const { return state.allocations - allocationsBefore_; }
-
-FailingHeap::FailingHeap(std::uint64_t n, Then then) {
-    state.hasFailed = false;
-    state.staysFull = then == Then::StaysFull;
-    state.failsAt = state.allocations + n;
+std::uint64_t HeapWatch::allocations() const {
+    return state.allocations.calls() - allocationsBefore_;
 }
 
-FailingHeap::~FailingHeap() { state.failsAt = 0; }
-
-bool FailingHeap::hasFailed() const { return state.hasFailed; }
+FailingHeap::FailingHeap(std::uint64_t n, Then then) : Failing(state.allocations, n, then) {}
 
 }  // namespace vexqt::testing

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "limits/Failing.h"
+
 namespace vexqt::testing {
 
 /// What the program asked of its heap while this object lives, on every thread.
@@ -28,20 +30,9 @@ private:
 };
 
 /// Makes allocations fail while it lives.
-class FailingHeap {
+class FailingHeap : public Failing {
 public:
-    enum class Then {
-        Recovers,  ///< One allocation fails, those after it do not.
-        StaysFull  ///< Every allocation fails from that one on.
-    };
-    /// The n-th allocation from now on fails; the first is 1.
     FailingHeap(std::uint64_t n, Then then);
-    FailingHeap(const FailingHeap&) = delete;
-    FailingHeap& operator=(const FailingHeap&) = delete;
-    ~FailingHeap();
-
-    /// Whether one has failed.
-    bool hasFailed() const;
 };
 
 }  // namespace vexqt::testing

@@ -16,18 +16,12 @@ namespace {
 
 struct State {
     std::atomic<std::int64_t> live{0};
-    std::atomic<std::uint64_t> calls{0};
-    // 0 while nothing fails; else the number of the call that does.
-    std::atomic<std::uint64_t> failsAt{0};
-    std::atomic<bool> staysFull{false}, hasFailed{false};
+    vexqt::testing::FailureCounter calls;
 };
 constinit State state;
 
 bool isToFail() {
-    const std::uint64_t number = ++state.calls;
-    const std::uint64_t failsAt = state.failsAt;
-    if (failsAt == 0 || number < failsAt || (number > failsAt && !state.staysFull)) return false;
-    state.hasFailed = true;
+    if (!state.calls.count()) return false;
     errno = ENOMEM;
     return true;
 }
@@ -61,14 +55,6 @@ namespace vexqt::testing {
 
 std::int64_t liveBlocks() { return state.live; }
 
-FailingMalloc::FailingMalloc(std::uint64_t n, Then then) {
-    state.hasFailed = false;
-    state.staysFull = then == Then::StaysFull;
-    state.failsAt = state.calls + n;
-}
-
-FailingMalloc::~FailingMalloc() { state.failsAt = 0; }
-
-bool FailingMalloc::hasFailed() const { return state.hasFailed; }
+FailingMalloc::FailingMalloc(std::uint64_t n, Then then) : Failing(state.calls, n, then) {}
 
 }  // namespace vexqt::testing
