@@ -50,8 +50,13 @@ bool isAsPlanned(const SavePlan& plan, File& file) {
     };
     for (const SavePlan::NewAtom& atom : plan.newAtoms())
         if (!has(atom.offset, atom.bytes)) return false;
-    for (const FileWrite& write : plan.change().writes)
-        if (!has(write.offset, write.bytes)) return false;
+    for (const FileWrite& write : plan.change().writes) {
+        const FileRange range = write.range();
+        const bool isRead = std::ranges::any_of(plan.newAtoms(), [&](const auto& atom) {
+            return range.offset >= atom.offset && range.end() <= atom.offset + atom.bytes.size();
+        });
+        if (!isRead && !has(write.offset, write.bytes)) return false;
+    }
     if (plan.form() == SaveForm::Exact) return true;
     const bool ended = plan.layout().end() == plan.layout().fileLength;
     std::error_code error;
